@@ -97,11 +97,9 @@ void UnionPointWithRect(tagRECT& r, const tagPOINT& p) {
 }
 
 void UnionPointWithRect(tagRECT& r, const vector2dT<double, 1>& p) {
-    // Outward to whole numbers, so the rect covers the point exactly.
-    if (p.x > r.right) r.right = RoundToInt(std::ceil(p.x));
-    if (p.y > r.top) r.top = RoundToInt(std::ceil(p.y));
-    if (r.left > p.x) r.left = RoundToInt(std::floor(p.x));
-    if (r.bottom > p.y) r.bottom = RoundToInt(std::floor(p.y));
+    OutwardBox box(r);
+    box.Add(p.x, p.y);
+    r = box.Rect();
 }
 
 void UnionPointsWithRect(tagRECT& r, const tagPOINT* points, int32_t count) {
@@ -219,22 +217,32 @@ BoundsT<double> GetUntransformedBBox(const BoundsT<double>& b, const MATRIX& m) 
 }
 
 tagRECT GetTransformedPointsBBox(const tagPOINT* points, size_t count, const MATRIX& m) {
-    tagRECT box = GetEmptyRect();
-    if (points == nullptr) return box;
+    OutwardBox box(GetEmptyRect());
+    if (points == nullptr) return box.Rect();
+    const double a = m.a, b = m.b, tx = m.tx, c = m.c, d = m.d, ty = m.ty;
     for (size_t i = 0; i < count; ++i) {
-        const vector2dT<double, 1> q = m(vector2dT<double, 1>{static_cast<double>(points[i].x),
-                                                              static_cast<double>(points[i].y)});
-        UnionPointWithRect(box, q);
+        const double x = points[i].x, y = points[i].y;
+        box.Add(a * x + b * y + tx, c * x + d * y + ty);
     }
-    return box;
+    return box.Rect();
 }
 
 BoundsT<double> GetTransformedPointsBBox(const vector2dT<double, 1>* points, size_t count, const MATRIX& m) {
     BoundsT<double> box;
     InitializeEmpty(box);
     if (points == nullptr) return box;
-    for (size_t i = 0; i < count; ++i) GrowBy(box, m(points[i]));
-    return box;
+    // Edges in locals, chosen by comparisons a NaN never wins.
+    double left = box.left, top = box.top, right = box.right, bottom = box.bottom;
+    const double a = m.a, b = m.b, tx = m.tx, c = m.c, d = m.d, ty = m.ty;
+    for (size_t i = 0; i < count; ++i) {
+        const double px = points[i].x, py = points[i].y;
+        const double x = a * px + b * py + tx, y = c * px + d * py + ty;
+        right = x > right ? x : right;
+        top = y > top ? y : top;
+        left = x < left ? x : left;
+        bottom = y < bottom ? y : bottom;
+    }
+    return {left, top, right, bottom};
 }
 
 vector2dT<double, 1> GetRemappedPoint(const vector2dT<double, 1>& p, const BoundsT<double>& from,

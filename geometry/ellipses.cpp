@@ -47,8 +47,10 @@ EllipseAxes AxesOf(const MATRIX& m, bool withAngle) {
         axes.major = kSqrt2 * det / std::sqrt(r1 + r2 - g);
         axes.minor = kSqrt2 * det / std::sqrt(r1 + r2 + g);
         if (withAngle) {
+            // tan 2φ = e/f. With equal rows f is +0 and e/f an infinity of the r2 > r1
+            // side, so that side's quarter turn applies: the major axis, not the minor.
             axes.angle = std::atan(e / f) / 2;
-            if (r2 > r1) axes.angle += Pi / 2;
+            if (r2 >= r1) axes.angle += Pi / 2;
         }
     }
     axes.major = std::fabs(axes.major);

@@ -3,6 +3,11 @@
 
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#define QORMATH_HAVE_SSE2 1
+#endif
+
 #include "QorMath/matrix.h"
 #include "geometry/matrix_internal.h"
 
@@ -46,22 +51,42 @@ MATRIX MATRIX::operator*(const MATRIX& o) const {
             c * o.a + d * o.c, c * o.b + d * o.d, c * o.tx + d * o.ty + ty};
 }
 
+// The bulk paths work on both coordinates at once where SSE2 is there:
+// (a, c)·x + (b, d)·y + (tx, ty) is the scalar form's products and sums in the
+// same order, so every build gives the same bits.
 void MATRIX::TransformPoints(vector2dT<double, 1>* points, size_t count) const {
-    const double ma = a, mb = b, mtx = tx, mc = c, md = d, mty = ty;
+#if defined(QORMATH_HAVE_SSE2)
+    const __m128d ac = _mm_set_pd(c, a), bd = _mm_set_pd(d, b), t = _mm_set_pd(ty, tx);
     for (size_t i = 0; i < count; ++i) {
-        const double x = points[i].x, y = points[i].y;
-        points[i].x = ma * x + mb * y + mtx;
-        points[i].y = mc * x + md * y + mty;
+        const __m128d p = _mm_loadu_pd(&points[i].x);
+        const __m128d x = _mm_unpacklo_pd(p, p), y = _mm_unpackhi_pd(p, p);
+        _mm_storeu_pd(&points[i].x, _mm_add_pd(_mm_add_pd(_mm_mul_pd(ac, x), _mm_mul_pd(bd, y)), t));
     }
+#else
+    for (size_t i = 0; i < count; ++i) points[i] = (*this)(points[i]);
+#endif
 }
 
 void MATRIX::TransformPoints(tagPOINT* points, size_t count) const {
-    const double ma = a, mb = b, mtx = tx, mc = c, md = d, mty = ty;
+#if defined(QORMATH_HAVE_SSE2)
+    const __m128d ac = _mm_set_pd(c, a), bd = _mm_set_pd(d, b), t = _mm_set_pd(ty, tx);
+    const __m128d half = _mm_set1_pd(0.5), sign = _mm_set1_pd(-0.0);
+    for (size_t i = 0; i < count; ++i) {
+        const __m128d p = _mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&points[i])));
+        const __m128d x = _mm_unpacklo_pd(p, p), y = _mm_unpackhi_pd(p, p);
+        __m128d r = _mm_add_pd(_mm_add_pd(_mm_mul_pd(ac, x), _mm_mul_pd(bd, y)), t);
+        // RoundToInt: add 0.5 carrying r's sign, then truncate. cvttpd2dq yields
+        // -2^31 for NaN and for anything outside int32, as TruncateToInt does.
+        r = _mm_add_pd(r, _mm_or_pd(half, _mm_and_pd(r, sign)));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(&points[i]), _mm_cvttpd_epi32(r));
+    }
+#else
     for (size_t i = 0; i < count; ++i) {
         const double x = points[i].x, y = points[i].y;
-        points[i].x = QorMath::RoundToInt(ma * x + mb * y + mtx);
-        points[i].y = QorMath::RoundToInt(mc * x + md * y + mty);
+        points[i].x = QorMath::RoundToInt(a * x + b * y + tx);
+        points[i].y = QorMath::RoundToInt(c * x + d * y + ty);
     }
+#endif
 }
 
 void MATRIX::TransformPointsWithRangeCheck(tagPOINT* points, size_t count) const {

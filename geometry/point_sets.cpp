@@ -52,15 +52,16 @@ double DistanceToLineSegmentSqrd(const vector2dT<double, 1>& a, const vector2dT<
 
 void ReflectAcross(const tagPOINT& direction, const tagPOINT& linePoint, tagPOINT* points, size_t count) {
     if (points == nullptr || count == 0) return;
-    const auto wrap = [](int64_t v) { return static_cast<int32_t>(static_cast<uint32_t>(v)); };
+    // int32 arithmetic with wrap-around, done in unsigned so it is defined.
+    const auto wrap = [](uint64_t v) { return static_cast<int32_t>(static_cast<uint32_t>(v)); };
+    const auto u = [](int32_t v) { return static_cast<uint64_t>(static_cast<int64_t>(v)); };
     // |direction|² in int32, as older callers computed it (it wraps above 2^31 - 1).
-    const double lengthSqrd =
-        wrap(static_cast<int64_t>(direction.x) * direction.x + static_cast<int64_t>(direction.y) * direction.y);
+    const double lengthSqrd = wrap(u(direction.x) * u(direction.x) + u(direction.y) * u(direction.y));
     const double dx = direction.x, dy = direction.y;
     for (size_t i = 0; i < count; ++i) {
         // The mirror image of r about the direction is 2·proj(r) − r.
-        const double rx = wrap(static_cast<int64_t>(points[i].x) - linePoint.x);
-        const double ry = wrap(static_cast<int64_t>(points[i].y) - linePoint.y);
+        const double rx = wrap(u(points[i].x) - u(linePoint.x));
+        const double ry = wrap(u(points[i].y) - u(linePoint.y));
         const double k = 2 * (dx * rx + dy * ry) / lengthSqrd;
         points[i].x = RoundToInt(dx * k - rx + linePoint.x);
         points[i].y = RoundToInt(dy * k - ry + linePoint.y);

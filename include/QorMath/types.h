@@ -239,7 +239,10 @@ inline int32_t TruncateToInt(double v) {
 /// zero (v - 0.5 below zero, v + 0.5 otherwise), then truncation through
 /// TruncateToInt. 2.5 → 3, -2.5 → -3, -0.4 → 0, out of range → -2147483648.
 inline int32_t RoundToInt(double v) {
-    return TruncateToInt(v < 0 ? v - 0.5 : v + 0.5);
+    // Adding ±0.5 by v's sign bit is the same rule without a branch that
+    // mispredicts on mixed signs; -0.0 gives -0.5 instead of 0.5, and both
+    // truncate to 0.
+    return TruncateToInt(v + std::copysign(0.5, v));
 }
 
 /// The empty integer rect {2147483647, -2147483648, -2147483648, 2147483647}:
