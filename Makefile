@@ -43,8 +43,7 @@ run: deps
 bench: deps
 	@scripts/deps.sh --optional $(BENCH_PEERS)
 	$(call CONFIGURE,bench,-DCMAKE_BUILD_TYPE=Release -DQORMATH_BUILD_TESTS=OFF -DQORMATH_BUILD_TOOLS=OFF -DQORMATH_BUILD_BENCH=ON)
-	$(call COMPILE,bench)
-	python3 bench/report.py $(BUILD)/bench/bench
+	$(call COMPILE,bench,--target bench_report)
 
 fuzz: deps
 	@scripts/deps.sh $(FUZZ_DEPS)
