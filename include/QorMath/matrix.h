@@ -70,7 +70,11 @@ struct QORMATH_API MATRIX {
     /// point is not unique (|det(linear − I)| <= DBL_EPSILON).
     bool GetCenterOfTransformation(QorMath::vector2dT<double, 1>& out) const;
     /// Two points p1, p2 of the line of fixed points (reflections, shears along a
-    /// line). False, outputs untouched, when the fixed set is not a line.
+    /// line), read from the first row of M − I unless that row is empty. False,
+    /// outputs untouched, when the fixed set is not a line, and also for some that
+    /// are but where that row decides: a − 1 and c zero with d − 1 not (the oblique
+    /// reflection {1, −2, 4, 0, −1, 4}), or a first row of M − I that vanishes
+    /// while c does not (the shear {1, 0, 0, 3, 1, 0}).
     bool GetLineOfTransformation(QorMath::vector2dT<double, 1>& p1, QorMath::vector2dT<double, 1>& p2) const;
     /// The largest singular value of the linear part: the greatest factor by which
     /// it lengthens any vector.
