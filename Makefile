@@ -2,6 +2,7 @@
 # builds and runs the tests twice (Debug with AddressSanitizer and UBSan, then
 # Release with -march=native) and checks both builds compute identical bits.
 
+MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc)
 BUILD ?= build
 WERROR ?= OFF

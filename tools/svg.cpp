@@ -140,15 +140,26 @@ std::string Panel::render(double x, double y, double w, double h) const {
                    item.style.fill + "\">" + escape(item.text) + "</text>\n";
         }
     }
-    // Legend: one line along the bottom edge.
-    double lx = x + 18;
-    const double ly = y + h - 18;
-    for (const auto& [style, text] : legend_) {
-        Style sample = style;
-        out += "<path d=\"M " + px(lx) + " " + px(ly - 4) + " h 22\"" + styleAttributes(sample) + "/>\n";
-        out += "<text x=\"" + px(lx + 28) + "\" y=\"" + px(ly) + "\" font-size=\"12\" fill=\"#444444\">" +
-               escape(text) + "</text>\n";
-        lx += 28 + textWidth(text, 12) + 18;
+    // Legend along the bottom edge, wrapped into as many rows as the width needs.
+    std::vector<std::vector<size_t>> rows(1);
+    double used = 0;
+    for (size_t i = 0; i < legend_.size(); ++i) {
+        const double advance = 28 + textWidth(legend_[i].second, 12) + 18;
+        if (used > 0 && used + advance > w - 36) rows.emplace_back(), used = 0;
+        rows.back().push_back(i);
+        used += advance;
+    }
+    double ly = y + h - 18 - 20 * double(rows.size() - 1);
+    for (const auto& row : rows) {
+        double lx = x + 18;
+        for (const size_t i : row) {
+            const auto& [style, text] = legend_[i];
+            out += "<path d=\"M " + px(lx) + " " + px(ly - 4) + " h 22\"" + styleAttributes(style) + "/>\n";
+            out += "<text x=\"" + px(lx + 28) + "\" y=\"" + px(ly) + "\" font-size=\"12\" fill=\"#444444\">" +
+                   escape(text) + "</text>\n";
+            lx += 28 + textWidth(text, 12) + 18;
+        }
+        ly += 20;
     }
     return out + "</g>\n";
 }
