@@ -156,9 +156,9 @@ Command addGalleryCommand(CLI::App& parent, const GlobalOptions& global) {
     return {app, [out, &global] {
                 svg::Document doc("QorMath gallery");
                 std::vector<std::string> summaries;
-                for (const auto& spec : kPanels) {
-                    svg::Panel panel(spec.title);
-                    summaries.push_back(spec.draw(panel));
+                for (const auto& entry : kPanels) {
+                    svg::Panel panel(entry.title);
+                    summaries.push_back(entry.draw(panel));
                     doc.add(std::move(panel));
                 }
                 doc.write(*out);
