@@ -14,15 +14,11 @@ namespace {
 
 class Fingerprint {
 public:
-    void Add(double v) { AddBytes(&v, sizeof v); }
-    void Add(int32_t v) { AddBytes(&v, sizeof v); }
-    void Add(bool v) { Add(static_cast<int32_t>(v)); }
-    void Add(const vector2dT<double, 0>& v) { Add(v.x), Add(v.y); }
-    void Add(const vector2dT<double, 1>& v) { Add(v.x), Add(v.y); }
-    void Add(const MATRIX& m) { Add(m.a), Add(m.b), Add(m.tx), Add(m.c), Add(m.d), Add(m.ty); }
-    void Add(const tagRECT& r) { Add(r.left), Add(r.top), Add(r.right), Add(r.bottom); }
-    void Add(const tagPOINT& p) { Add(p.x), Add(p.y); }
-    void Add(const BoundsT<double>& b) { Add(b.left), Add(b.top), Add(b.right), Add(b.bottom); }
+    // Records hash by their bytes: all of them are doubles or int32 without padding.
+    template <typename T>
+    void Add(const T& v) {
+        AddBytes(&v, sizeof v);
+    }
     unsigned long long Value() const { return hash_; }
 
 private:
