@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -37,7 +38,7 @@ std::string brief(double v) {
 
 const Style kOriginal{"#9ca3af", "none", 1.2, "4 3", 1};
 const Style kBox{"#dc2626", "none", 1.4, "6 4", 1};
-constexpr double kCell = 100;  // world distance between neighbouring samples
+constexpr double kCell = 80;  // world distance between neighbouring samples
 
 std::vector<Point2d> corners(const QorMath::BoundsT<double>& b) {
     std::vector<Point2d> c(4);
@@ -45,10 +46,13 @@ std::vector<Point2d> corners(const QorMath::BoundsT<double>& b) {
     return c;
 }
 
-// Name above the sample, its operations below.
-void caption(svg::Panel& panel, const Sample& s, double x, double top, double bottom) {
-    panel.label({x, top}, s.name, -8, svg::Anchor::Middle, 13, "#111827");
-    panel.label({x, bottom}, s.ops, 18, svg::Anchor::Middle, 11, "#6b7280");
+// Each sample's name above the row, its operations below; sample i sits at x = i·kCell.
+template <size_t N>
+void captions(svg::Panel& panel, const Sample (&samples)[N], double top, double bottom) {
+    for (size_t i = 0; i < N; ++i) {
+        panel.label({double(i) * kCell, top}, samples[i].name, -10, svg::Anchor::Middle, 13, "#111827");
+        panel.label({double(i) * kCell, bottom}, samples[i].ops, 20, svg::Anchor::Middle, 11, "#6b7280");
+    }
 }
 
 std::string drawRectangles(svg::Panel& panel) {
@@ -60,28 +64,29 @@ std::string drawRectangles(svg::Panel& panel) {
                               {"skew", "skew 35,0"},
                               {"mirror", "scale -1,1 rotate 25"}};
     std::string summary = "GetTransformedBBox sizes:";
-    double x = 0;
+    double x = 0, top = 0, bottom = 0;
     for (const auto& s : samples) {
         const MATRIX m = QorMath::ConstructTranslationMatrix({x, 0}) * sampleMatrix(s);
         auto original = corners(rect);
         for (auto& p : original) p += Vector2d{x, 0};
-        auto image_ = corners(rect);
-        m.TransformPoints(image_.data(), image_.size());
+        auto mapped = corners(rect);
+        m.TransformPoints(mapped.data(), mapped.size());
         const auto box = QorMath::GetTransformedBBox(rect, m);
         panel.polyline(original, kOriginal, true);
-        panel.polyline(image_, image, true);
+        panel.polyline(mapped, image, true);
         panel.polyline(corners(box), kBox, true);
         panel.dot(original[0], 3, {"#6b7280", "#ffffff", 1.2, "", 1});
-        panel.dot(image_[0], 3.5, corner);
-        caption(panel, s, x, 44, -44);
+        panel.dot(mapped[0], 3.5, corner);
+        top = std::max(top, box.top), bottom = std::min(bottom, box.bottom);
         summary += (x == 0 ? " " : "; ") + std::string(s.name) + " " + brief(box.right - box.left) + " x " +
                    brief(box.top - box.bottom);
         x += kCell;
     }
+    captions(panel, samples, top, bottom);
     panel.legend(kOriginal, "rectangle 40 x 24");
     panel.legend(image, "image under the matrix");
     panel.legend(kBox, "GetTransformedBBox");
-    panel.legend({"#1e3a8a", "#1e3a8a", 5, "", 1}, "corner (left, top)");
+    panel.legend(corner, "corner (left, top)", true);
     return summary;
 }
 
@@ -111,7 +116,7 @@ std::string drawCircles(svg::Panel& panel) {
                               {"skew both axes", "skew 25,-20"},
                               {"scale, then skew", "scale 1.4,0.7 skew 0,30"}};
     std::string summary = "GetTransformedCircleAxes semi-axes of the unit circle:";
-    double x = 0;
+    double x = 0, top = 0, bottom = 0;
     for (const auto& s : samples) {
         const MATRIX m = sampleMatrix(s);
         const Point2d c{x, 0};
@@ -119,14 +124,16 @@ std::string drawCircles(svg::Panel& panel) {
         QorMath::GetTransformedCircleAxes(m, a, b);
         panel.path(ellipse(QorMath::IdentityMatrix(), c, r), kOriginal);
         panel.path(ellipse(m, c, r), image);
-        panel.polyline(corners(QorMath::GetTransformedCircleBBox(m, r, c)), kBox, true);
+        const auto box = QorMath::GetTransformedCircleBBox(m, r, c);
+        panel.polyline(corners(box), kBox, true);
+        top = std::max(top, box.top), bottom = std::min(bottom, box.bottom);
         panel.polyline({c - a * r, c + a * r}, major);
         panel.polyline({c - b * r, c + b * r}, minor);
         panel.dot(c, 2.5, {"#111827", "#111827", 1, "", 1});
-        caption(panel, s, x, 46, -46);
         summary += (x == 0 ? " " : "; ") + std::string(s.name) + " " + brief(Magnitude(a)) + "/" + brief(Magnitude(b));
         x += kCell;
     }
+    captions(panel, samples, top, bottom);
     panel.legend(kOriginal, "circle r = 20");
     panel.legend(image, "image (ellipse)");
     panel.legend(major, "major axis");

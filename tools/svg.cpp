@@ -43,7 +43,7 @@ std::string styleAttributes(const Style& s) {
 }
 
 // Rough advance of a line of text, for laying out legend entries.
-double textWidth(const std::string& text, double size) { return 0.56 * size * double(text.size()); }
+double textWidth(const std::string& text, double size) { return 0.62 * size * double(text.size()); }
 
 }  // namespace
 
@@ -87,7 +87,7 @@ void Panel::label(const Point2d& at, const std::string& text, double dyPx, Ancho
     style.fill = colour;
     items_.push_back({Item::LabelItem, {}, style, at, sizePx, dyPx, anchor, text});
 }
-void Panel::legend(const Style& style, const std::string& text) { legend_.emplace_back(style, text); }
+void Panel::legend(const Style& style, const std::string& text, bool dot) { legend_.push_back({style, text, dot}); }
 
 std::string Panel::render(double x, double y, double w, double h) const {
     // World bounds of everything drawn, and the pixels labels need beyond them.
@@ -109,7 +109,18 @@ std::string Panel::render(double x, double y, double w, double h) const {
         }
     }
     if (minX > maxX) minX = maxX = minY = maxY = 0;
-    const double left = x + 24, right = x + w - 24, top = y + 48 + padTop, bottom = y + h - 44 - padBottom;
+    // Legend along the bottom edge, wrapped into as many rows as the width needs;
+    // the drawing gets the space above it.
+    std::vector<std::vector<size_t>> rows(1);
+    double used = 0;
+    for (size_t i = 0; i < legend_.size(); ++i) {
+        const double advance = 28 + textWidth(legend_[i].text, 12) + 18;
+        if (used > 0 && used + advance > w - 36) rows.emplace_back(), used = 0;
+        rows.back().push_back(i);
+        used += advance;
+    }
+    const double legendY = y + h - 18 - 20 * double(rows.size() - 1);
+    const double left = x + 24, right = x + w - 24, top = y + 48 + padTop, bottom = legendY - 26 - padBottom;
     const double worldW = std::max(maxX - minX, 1e-9), worldH = std::max(maxY - minY, 1e-9);
     const double scale = std::min((right - left) / worldW, (bottom - top) / worldH);
     const double ox = (left + right - worldW * scale) / 2, oy = (top + bottom - worldH * scale) / 2;
@@ -140,21 +151,16 @@ std::string Panel::render(double x, double y, double w, double h) const {
                    item.style.fill + "\">" + escape(item.text) + "</text>\n";
         }
     }
-    // Legend along the bottom edge, wrapped into as many rows as the width needs.
-    std::vector<std::vector<size_t>> rows(1);
-    double used = 0;
-    for (size_t i = 0; i < legend_.size(); ++i) {
-        const double advance = 28 + textWidth(legend_[i].second, 12) + 18;
-        if (used > 0 && used + advance > w - 36) rows.emplace_back(), used = 0;
-        rows.back().push_back(i);
-        used += advance;
-    }
-    double ly = y + h - 18 - 20 * double(rows.size() - 1);
+    double ly = legendY;
     for (const auto& row : rows) {
         double lx = x + 18;
         for (const size_t i : row) {
-            const auto& [style, text] = legend_[i];
-            out += "<path d=\"M " + px(lx) + " " + px(ly - 4) + " h 22\"" + styleAttributes(style) + "/>\n";
+            const auto& [style, text, dot] = legend_[i];
+            if (dot)
+                out += "<circle cx=\"" + px(lx + 11) + "\" cy=\"" + px(ly - 4) + "\" r=\"3.5\"" + styleAttributes(style) +
+                       "/>\n";
+            else
+                out += "<path d=\"M " + px(lx) + " " + px(ly - 4) + " h 22\"" + styleAttributes(style) + "/>\n";
             out += "<text x=\"" + px(lx + 28) + "\" y=\"" + px(ly) + "\" font-size=\"12\" fill=\"#444444\">" +
                    escape(text) + "</text>\n";
             lx += 28 + textWidth(text, 12) + 18;

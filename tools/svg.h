@@ -54,8 +54,8 @@ public:
     /// Text at a world point, moved dyPx pixels down (negative: up).
     void label(const Point2d& at, const std::string& text, double dyPx = 0, Anchor anchor = Anchor::Middle,
                double sizePx = 12, const std::string& colour = "#222222");
-    /// One legend entry: a short stroke sample in style, then text.
-    void legend(const Style& style, const std::string& text);
+    /// One legend entry: a short stroke sample in style (a marker when dot), then text.
+    void legend(const Style& style, const std::string& text, bool dot = false);
     /// The panel as an SVG group occupying the pixel box (x, y, w, h).
     std::string render(double x, double y, double w, double h) const;
 
@@ -72,13 +72,18 @@ private:
     };
     std::string title_;
     std::vector<Item> items_;
-    std::vector<std::pair<Style, std::string>> legend_;
+    struct LegendEntry {
+        Style style;
+        std::string text;
+        bool dot;
+    };
+    std::vector<LegendEntry> legend_;
 };
 
 /// Panels laid out in a grid under a title.
 class Document {
 public:
-    explicit Document(std::string title, int columns = 2, double panelWidth = 640, double panelHeight = 420);
+    explicit Document(std::string title, int columns = 2, double panelWidth = 640, double panelHeight = 340);
     void add(Panel panel);
     std::string str() const;
     /// Writes the file, creating its directory; throws std::runtime_error on failure.
