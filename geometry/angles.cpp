@@ -1,6 +1,7 @@
 // Angles in radians, degrees and TURNANGLE units (millionths of a degree).
 
 #include "QorMath/angles.h"
+#include "geometry/wrap.h"
 
 namespace QorMath {
 
@@ -148,8 +149,7 @@ tagSIZE GetRotatedSize(const tagSIZE& size, double degrees) {
     const double cs = std::cos(theta), sn = std::sin(theta);
     const double cx = size.cx, cy = size.cy;
     const auto up = [](double v) { return TruncateToInt(std::ceil(std::fabs(v))); };
-    return tagSIZE{static_cast<int32_t>(static_cast<uint32_t>(up(cs * cy)) + static_cast<uint32_t>(up(sn * cx))),
-                   static_cast<int32_t>(static_cast<uint32_t>(up(sn * cy)) + static_cast<uint32_t>(up(cs * cx)))};
+    return tagSIZE{WrappingAdd(up(cs * cy), up(sn * cx)), WrappingAdd(up(sn * cy), up(cs * cx))};
 }
 
 }  // namespace Degrees

@@ -5,6 +5,7 @@
 
 #include "QorMath/bounds.h"
 #include "geometry/grow.h"
+#include "geometry/wrap.h"
 
 namespace QorMath {
 
@@ -12,15 +13,6 @@ namespace {
 
 bool IsStrictlyValid(const tagRECT& r) {
     return r.left < r.right && r.bottom < r.top;
-}
-
-// int32 addition with two's-complement wrap-around, without signed overflow.
-int32_t WrappingAdd(int32_t x, int32_t y) {
-    return static_cast<int32_t>(static_cast<uint32_t>(x) + static_cast<uint32_t>(y));
-}
-
-int32_t WrappingSub(int32_t x, int32_t y) {
-    return static_cast<int32_t>(static_cast<uint32_t>(x) - static_cast<uint32_t>(y));
 }
 
 void GrowBy(tagRECT& r, const tagPOINT& p) {

@@ -8,6 +8,7 @@
 #define QORMATH_HAVE_SSE2 1
 #endif
 
+#include "QorMath/angles.h"
 #include "QorMath/matrix.h"
 #include "geometry/matrix_internal.h"
 
@@ -16,20 +17,12 @@ using QorMath::vector2dT;
 namespace {
 
 constexpr double kEpsilon = DBL_EPSILON;
-constexpr double kTwoPi = 6.283185307179586;
 constexpr int32_t kRangeMin = -536870912;  // -2^29
 constexpr int32_t kRangeMax = 536870911;   //  2^29 - 1
 
 // |x| <= tol, inclusive; a NaN is never within.
 bool Within(double x, double tol) {
     return std::fabs(x) <= tol;
-}
-
-// fmod into [0, 2π).
-double PositiveRadians(double angle) {
-    double r = std::fmod(angle, kTwoPi);
-    if (r < 0) r += kTwoPi;
-    return r;
 }
 
 int32_t ClampToRange(int32_t v) {
@@ -107,12 +100,12 @@ vector2dT<double, 0> MATRIX::GetUntransformedVector(const vector2dT<double, 0>& 
 
 double MATRIX::GetTransformedRadians(double angle) const {
     const vector2dT<double, 0> v = (*this)(vector2dT<double, 0>{std::cos(angle), std::sin(angle)});
-    return PositiveRadians(std::atan2(v.y, v.x));
+    return QorMath::Radians::VectorToAngle(v);
 }
 
 double MATRIX::GetUntransformedRadians(double angle) const {
     const vector2dT<double, 0> v = GetUntransformedVector({std::cos(angle), std::sin(angle)});
-    return PositiveRadians(std::atan2(v.y, v.x));
+    return QorMath::Radians::VectorToAngle(v);
 }
 
 bool MATRIX::Invert(double tolerance) {

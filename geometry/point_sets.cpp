@@ -6,6 +6,7 @@
 
 #include "QorMath/bounds.h"
 #include "QorMath/fitting.h"
+#include "geometry/wrap.h"
 
 namespace QorMath {
 
@@ -52,16 +53,14 @@ double DistanceToLineSegmentSqrd(const vector2dT<double, 1>& a, const vector2dT<
 
 void ReflectAcross(const tagPOINT& direction, const tagPOINT& linePoint, tagPOINT* points, size_t count) {
     if (points == nullptr || count == 0) return;
-    // int32 arithmetic with wrap-around, done in unsigned so it is defined.
-    const auto wrap = [](uint64_t v) { return static_cast<int32_t>(static_cast<uint32_t>(v)); };
-    const auto u = [](int32_t v) { return static_cast<uint64_t>(static_cast<int64_t>(v)); };
     // |direction|² in int32, as older callers computed it (it wraps above 2^31 - 1).
-    const double lengthSqrd = wrap(u(direction.x) * u(direction.x) + u(direction.y) * u(direction.y));
+    const double lengthSqrd =
+        WrappingAdd(WrappingMul(direction.x, direction.x), WrappingMul(direction.y, direction.y));
     const double dx = direction.x, dy = direction.y;
     for (size_t i = 0; i < count; ++i) {
         // The mirror image of r about the direction is 2·proj(r) − r.
-        const double rx = wrap(u(points[i].x) - u(linePoint.x));
-        const double ry = wrap(u(points[i].y) - u(linePoint.y));
+        const double rx = WrappingSub(points[i].x, linePoint.x);
+        const double ry = WrappingSub(points[i].y, linePoint.y);
         const double k = 2 * (dx * rx + dy * ry) / lengthSqrd;
         points[i].x = RoundToInt(dx * k - rx + linePoint.x);
         points[i].y = RoundToInt(dy * k - ry + linePoint.y);
@@ -79,8 +78,8 @@ void TranslatePoints(vector2dT<double, 1>* points, size_t count, const vector2dT
 void TranslatePoints(tagPOINT* points, size_t count, const tagPOINT& offset) {
     if (points == nullptr) return;
     for (size_t i = 0; i < count; ++i) {
-        points[i].x = static_cast<int32_t>(static_cast<uint32_t>(points[i].x) + static_cast<uint32_t>(offset.x));
-        points[i].y = static_cast<int32_t>(static_cast<uint32_t>(points[i].y) + static_cast<uint32_t>(offset.y));
+        points[i].x = WrappingAdd(points[i].x, offset.x);
+        points[i].y = WrappingAdd(points[i].y, offset.y);
     }
 }
 
