@@ -9,7 +9,7 @@ WERROR ?= OFF
 FUZZ_SECONDS ?= 60
 
 DEPS := cmake make g++ pkg-config python3 libgtest-dev libbenchmark-dev libtbb-dev libcli11-dev
-BENCH_PEERS := libeigen3-dev lib2geom-dev libagg-dev libcairo2-dev
+BENCH_PEERS := libeigen3-dev lib2geom-dev libboost-dev libagg-dev libcairo2-dev
 FUZZ_DEPS := clang libclang-rt-14-dev
 
 CONFIGURE = cmake -S . -B $(BUILD)/$(1) -DQORMATH_WERROR=$(WERROR) $(2) >/dev/null

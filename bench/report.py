@@ -1,27 +1,50 @@
 #!/usr/bin/env python3
 """Side-by-side ratios for the QorMath benchmarks.
 
-Benchmarks are named Family/type/Impl; every case whose Impl is QorMath is set
-against the other Impls of the same Family/type. A ratio ours/peer below 1 means
-QorMath is faster than that peer.
+Benchmarks are named Family/type/Impl; every case whose Impl is QorMath, or
+starts with QorMath_ (a second method of ours), is set against the other Impls
+of the same Family/type. A time ratio ours/peer below 1 means QorMath is faster
+than that peer (column "time o/p"). Counters that the cases carry are shown for
+both sides: lines (lines per curve, with its ratio ours/peer, "lines o/p"),
+max_dev and over_d (deviation from the curve), and the root-finding agreement
+(roots per polynomial, missed, extra, max_err). Cases without a counterpart are
+listed after each table.
 
-  report.py build/bench/bench_matrix [--min-time 0.2] [--filter REGEX]
+  report.py build/bench/bench_matrix build/bench/bench_flatten ... [--min-time 0.2] [--filter REGEX]
   report.py results.json          (the output of --benchmark_format=json)
 """
 import argparse
 import json
+import os
 import subprocess
 import sys
 from collections import OrderedDict
 
 OURS = "QorMath"
 
+# (counter, format, with a ratio ours/peer)
+COUNTERS = [
+    ("lines", "%.1f", True),
+    ("max_dev", "%.3f", False),
+    ("over_d", "%d", False),
+    ("roots", "%.3f", False),
+    ("missed", "%d", False),
+    ("extra", "%d", False),
+    ("max_err", "%.1e", False),
+]
 
-def load(args):
-    if args.source.endswith(".json"):
-        with open(args.source) as f:
+NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def is_ours(impl):
+    return impl == OURS or impl.startswith(OURS + "_")
+
+
+def load(source, args):
+    if source.endswith(".json"):
+        with open(source) as f:
             return json.load(f)
-    cmd = [args.source, "--benchmark_format=json", "--benchmark_min_time=%g" % args.min_time]
+    cmd = [source, "--benchmark_format=json", "--benchmark_min_time=%g" % args.min_time]
     if args.filter:
         cmd.append("--benchmark_filter=" + args.filter)
     out = subprocess.run(cmd, check=True, stdout=subprocess.PIPE, universal_newlines=True).stdout
@@ -46,31 +69,87 @@ def per_case(data):
     return rows
 
 
+def ns(b):
+    return b["cpu_time"] * NS[b.get("time_unit", "ns")]
+
+
+def fmt_time(t):
+    for unit, scale in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if t >= scale:
+            return "%.3f %s" % (t / scale, unit)
+    return "%.1f ns" % t
+
+
+def fmt_counter(fmt, b, name):
+    v = b.get(name)
+    if v is None:
+        return "-"
+    return fmt % (int(round(v)) if fmt == "%d" else v)
+
+
+def print_table(table):
+    widths = [max(len(r[i]) for r in table) for i in range(len(table[0]))]
+    for n, r in enumerate(table):
+        cells = [c.ljust(w) if i < 3 else c.rjust(w) for i, (c, w) in enumerate(zip(r, widths))]
+        print("  ".join(cells).rstrip())
+        if n == 0:
+            print("  ".join("-" * w for w in widths))
+
+
+def report(title, rows):
+    print("== %s" % title)
+    ours_rows = [b for (case, impl), b in rows.items() if is_ours(impl)]
+    counters = [c for c in COUNTERS if any(c[0] in b for b in ours_rows)]
+    gbs = any("bytes_per_second" in b for b in ours_rows)
+
+    head = ["case", "ours", "peer", "time ours", "time peer", "time o/p"]
+    for name, _, ratio in counters:
+        head += [name + " ours", name + " peer"] + ([name + " o/p"] if ratio else [])
+    if gbs:
+        head.append("ours GB/s")
+    table = [head]
+
+    paired = set()
+    for (case, mine), ours in rows.items():
+        if not is_ours(mine):
+            continue
+        for (case2, impl), peer in rows.items():
+            if case2 != case or is_ours(impl):
+                continue
+            paired.update([(case, mine), (case, impl)])
+            r = [case, mine, impl, fmt_time(ns(ours)), fmt_time(ns(peer)), "%.2f" % (ns(ours) / ns(peer))]
+            for name, f, ratio in counters:
+                r += [fmt_counter(f, ours, name), fmt_counter(f, peer, name)]
+                if ratio:
+                    a, b = ours.get(name), peer.get(name)
+                    r.append("%.2f" % (a / b) if a is not None and b else "-")
+            if gbs:
+                r.append("%.2f" % (ours.get("bytes_per_second", 0.0) / 1e9))
+            table.append(r)
+    if len(table) > 1:
+        print_table(table)
+    else:
+        print("(no pairs)")
+
+    alone = [(key, b) for key, b in rows.items() if key not in paired]
+    if alone:
+        print("without a counterpart:")
+        for (case, impl), b in alone:
+            rate = b.get("items_per_second")
+            extra = "  %.2fM items/s" % (rate / 1e6) if rate else ""
+            print("  %s/%s  %s%s" % (case, impl, fmt_time(ns(b)), extra))
+    print()
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    ap.add_argument("source", help="benchmark binary, or a JSON file it wrote")
+    ap.add_argument("sources", nargs="+", help="benchmark binaries, or JSON files they wrote")
     ap.add_argument("--min-time", type=float, default=0.2, help="seconds per case (default 0.2)")
-    ap.add_argument("--filter", help="--benchmark_filter passed to the binary")
+    ap.add_argument("--filter", help="--benchmark_filter passed to the binaries")
     args = ap.parse_args()
 
-    rows = per_case(load(args))
-    fmt = "%-30s %-10s %12s %12s %10s %13s"
-    print(fmt % ("case", "peer", "ours (ms)", "peer (ms)", "ours/peer", "ours GB/s"))
-    missing = 0
-    for (case, impl), peer in rows.items():
-        if impl == OURS:
-            continue
-        ours = rows.get((case, OURS))
-        if ours is None:
-            missing += 1
-            continue
-        scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
-        t_ours = ours["cpu_time"] * scale[ours.get("time_unit", "ns")]
-        t_peer = peer["cpu_time"] * scale[peer.get("time_unit", "ns")]
-        gbs = ours.get("bytes_per_second", 0.0) / 1e9
-        print(fmt % (case, impl, "%.3f" % t_ours, "%.3f" % t_peer, "%.2f" % (t_ours / t_peer), "%.2f" % gbs))
-    if missing:
-        print("%d peer case(s) had no %s counterpart" % (missing, OURS), file=sys.stderr)
+    for source in args.sources:
+        report(os.path.basename(source), per_case(load(source, args)))
     return 0
 
 
