@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <cmath>
+#include <iostream>
+#include <iterator>
 
 #include "QorMath/angles.h"
 
@@ -68,6 +70,16 @@ std::string joinWords(const std::vector<std::string>& words) {
     std::string s;
     for (const auto& w : words) s += (s.empty() ? "" : " ") + w;
     return s;
+}
+
+std::string wordsOrStdin(const std::vector<std::string>& words) {
+    if (words.size() != 1 || words[0] != "-") return joinWords(words);
+    std::string text((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
+    if (std::cin.bad()) throw std::runtime_error("cannot read standard input");
+    // Trailing white space only; the rest keeps its lines and columns for messages.
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ' || text.back() == '\t'))
+        text.pop_back();
+    return text;
 }
 
 namespace {

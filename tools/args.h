@@ -27,6 +27,9 @@ QorMath::Point2d parsePoint(const std::string& text, const std::string& what);
 /// text split at white space, and at commas too when commas is true.
 std::vector<std::string> splitWords(const std::string& text, bool commas = false);
 std::string joinWords(const std::vector<std::string>& words);
+/// The words joined by spaces, or all of standard input when they are the one
+/// word "-".
+std::string wordsOrStdin(const std::vector<std::string>& words);
 
 /// The operation chain, e.g. "rotate 30 about 10,0 scale 2,3 translate 5,5":
 /// each operation applies after the ones before it, angles in degrees.

@@ -1,14 +1,23 @@
-# Runs the tool and checks its exit status exactly (WILL_FAIL would accept any
-# failure), that stderr is a single line holding EXPECT_STDERR, and that
-# EXPECT_FILE was written as a complete SVG.
-#   cmake -DQORMATH=<exe> -DARGS=a|b|c -DEXPECT_RC=<n> [-DEXPECT_STDERR=<text>] [-DEXPECT_FILE=<path>] -P check_cli.cmake
+# Runs the tool, with INPUT_FILE as its standard input when given, and checks
+# its exit status exactly (WILL_FAIL would accept any failure), that stdout
+# matches the regular expression EXPECT_STDOUT, that stderr is a single line
+# holding EXPECT_STDERR, and that EXPECT_FILE was written as a complete SVG.
+#   cmake -DQORMATH=<exe> -DARGS=a|b|c -DEXPECT_RC=<n> [-DINPUT_FILE=<path>] [-DEXPECT_STDOUT=<regex>]
+#         [-DEXPECT_STDERR=<text>] [-DEXPECT_FILE=<path>] -P check_cli.cmake
 string(REPLACE "|" ";" args "${ARGS}")
 if(DEFINED EXPECT_FILE)
   file(REMOVE "${EXPECT_FILE}")
 endif()
-execute_process(COMMAND "${QORMATH}" ${args} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+set(input)
+if(DEFINED INPUT_FILE)
+  set(input INPUT_FILE "${INPUT_FILE}")
+endif()
+execute_process(COMMAND "${QORMATH}" ${args} ${input} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
 if(NOT rc STREQUAL "${EXPECT_RC}")
   message(FATAL_ERROR "exit status '${rc}', expected ${EXPECT_RC}\nstdout: ${out}\nstderr: ${err}")
+endif()
+if(DEFINED EXPECT_STDOUT AND NOT out MATCHES "${EXPECT_STDOUT}")
+  message(FATAL_ERROR "stdout does not match '${EXPECT_STDOUT}':\n${out}")
 endif()
 if(DEFINED EXPECT_STDERR)
   string(REGEX MATCHALL "\n" newlines "${err}")

@@ -5,9 +5,11 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cfloat>
 #include <cstdio>
 #include <memory>
 
+#include "QorMath/bezier.h"
 #include "QorMath/bounds.h"
 #include "args.h"
 #include "commands.h"
@@ -142,6 +144,103 @@ std::string drawCircles(svg::Panel& panel) {
     return summary;
 }
 
+// The de Casteljau construction of a split: the control polygon, its points
+// interpolated at t (three levels), and the two pieces the library returns.
+std::string drawSplit(svg::Panel& panel) {
+    const Style polygon{"#9ca3af", "none", 1.2, "4 3", 1};
+    const Style level1{"#059669", "none", 1.3, "", 1};
+    const Style level2{"#7c3aed", "none", 1.3, "", 1};
+    const Style left{"#2563eb", "none", 3.2, "", 1};
+    const Style right{"#ea580c", "none", 3.2, "", 1};
+    const Style split{"#111827", "#111827", 1, "", 1};
+    const double t = 0.35;
+    const Point2d p[4] = {{0, 0}, {40, 110}, {175, 120}, {200, 0}};
+    Point2d out[7];
+    QorMath::CubicBezier::Split(t, p, out);
+    // Level 1 is A, M, C on the polygon's legs; A and C are also handles of the
+    // pieces, M is not, so it is interpolated here.
+    const Point2d m{(p[2].x - p[1].x) * t + p[1].x, (p[2].y - p[1].y) * t + p[1].y};
+    const Point2d &a = out[1], &c = out[5], &d = out[2], &e = out[4], &s = out[3];
+
+    panel.polyline({p[0], p[1], p[2], p[3]}, polygon);
+    panel.polyline({a, m, c}, level1);
+    panel.polyline({d, e}, level2);
+    panel.path(svg::Path().moveTo(out[0]).cubicTo(out[1], out[2], out[3]), left);
+    panel.path(svg::Path().moveTo(out[3]).cubicTo(out[4], out[5], out[6]), right);
+    for (const auto& q : p) panel.dot(q, 3, {"#6b7280", "#ffffff", 1.2, "", 1});
+    for (const auto& q : {a, m, c}) panel.dot(q, 3, {level1.stroke, level1.stroke, 1, "", 1});
+    for (const auto& q : {d, e}) panel.dot(q, 3, {level2.stroke, level2.stroke, 1, "", 1});
+    panel.dot(s, 4.5, split);
+
+    const std::string grey = "#4b5563";
+    panel.label(p[0], "P0", 18, svg::Anchor::Middle, 12, grey);
+    panel.label(p[1], "P1", -9, svg::Anchor::Middle, 12, grey);
+    panel.label(p[2], "P2", -9, svg::Anchor::Middle, 12, grey);
+    panel.label(p[3], "P3", 18, svg::Anchor::Middle, 12, grey);
+    panel.label(a, "A", 4, svg::Anchor::End, 12, level1.stroke, -8);
+    panel.label(m, "M", -9, svg::Anchor::Middle, 12, level1.stroke);
+    panel.label(c, "C", 4, svg::Anchor::Start, 12, level1.stroke, 8);
+    panel.label(d, "D", -7, svg::Anchor::End, 12, level2.stroke, -6);
+    panel.label(e, "E", -7, svg::Anchor::Start, 12, level2.stroke, 6);
+    panel.label(s, "S = B(" + brief(t) + ")", 18, svg::Anchor::Start, 12, "#111827", 6);
+
+    panel.legend(polygon, "control polygon");
+    panel.legend(level1, "A, M, C at t");
+    panel.legend(level2, "D, E at t");
+    panel.legend(split, "split point S", true);
+    panel.legend(left, "left: P0 A D S");
+    panel.legend(right, "right: S E C P3");
+    return "Split at t = " + brief(t) + ": S = (" + brief(s.x) + ", " + brief(s.y) +
+           "), left piece P0 A D S, right piece S E C P3";
+}
+
+// Adaptive flattening of three curves at a coarse and a fine tolerance: columns
+// are the curves, the top row the coarse tolerance, the bottom row the fine one.
+std::string drawFlatten(svg::Panel& panel) {
+    const Style curve{"#bfdbfe", "none", 5, "", 1};
+    const Style lines{"#c2410c", "none", 1.3, "", 1};
+    const Style points{"#7c2d12", "#ffffff", 1.1, "", 1};
+    struct Curve {
+        const char* name;
+        Point2d p[4];
+    };
+    const Curve curves[] = {
+        {"S-curve", {{0, 0}, {110, 5}, {-10, 55}, {100, 60}}},
+        {"loop", {{0, 5}, {150, 65}, {-50, 65}, {100, 5}}},
+        {"tight arch", {{30, 0}, {50, 75}, {50, 75}, {70, 0}}},
+    };
+    const double tolerances[] = {9, 0.05};  // squared distances: 3 and about 0.22 units
+    const int maximum = 64;
+    const double columnWidth = 140, rowHeight = 95;
+    std::string summary = "AdaptiveBezierToLines, at most " + std::to_string(maximum) + " lines, tolerance " +
+                          brief(tolerances[0]) + " / " + brief(tolerances[1]) + ":";
+    for (size_t col = 0; col < 3; ++col) {
+        summary += std::string(col ? ";" : "") + " " + curves[col].name;
+        for (size_t row = 0; row < 2; ++row) {
+            const Vector2d shift{double(col) * columnWidth, -double(row) * rowHeight};
+            Point2d p[4], out[maximum + 1];
+            for (int i = 0; i < 4; ++i) p[i] = curves[col].p[i] + shift;
+            const int n = QorMath::AdaptiveBezierToLines(p, out, tolerances[row], maximum);
+            const std::vector<Point2d> poly(out, out + n + 1);
+            panel.path(svg::Path().moveTo(p[0]).cubicTo(p[1], p[2], p[3]), curve);
+            panel.polyline(poly, lines);
+            for (const auto& q : poly) panel.dot(q, 2.2, points);
+            // Name above the top drawing, line count below each.
+            double top = -DBL_MAX, bottom = DBL_MAX;
+            for (const auto& q : poly) top = std::max(top, q.y), bottom = std::min(bottom, q.y);
+            if (row == 0) panel.label({shift.x + 50, top}, curves[col].name, -10, svg::Anchor::Middle, 13, "#111827");
+            panel.label({shift.x + 50, bottom},
+                        "tolerance " + brief(tolerances[row]) + ": " + std::to_string(n) + " lines", 18,
+                        svg::Anchor::Middle, 12, "#374151");
+            summary += std::string(row ? "/" : " ") + std::to_string(n);
+        }
+    }
+    panel.legend(curve, "curve");
+    panel.legend(lines, "polyline");
+    panel.legend(points, "points (dyadic t)", true);
+    return summary + " lines";
+}
+
 // One entry per family: the key printed in the summary, the panel title, and
 // the function that draws the panel and returns its one-line summary.
 struct PanelSpec {
@@ -152,6 +251,8 @@ struct PanelSpec {
 const PanelSpec kPanels[] = {
     {"rectangles", "Rectangles under a matrix and their bounding boxes", drawRectangles},
     {"circles", "Circles under a matrix: axes and bounding box", drawCircles},
+    {"split", "Splitting a cubic at t = 0.35 (de Casteljau)", drawSplit},
+    {"flatten", "Adaptive flattening at a coarse and a fine tolerance", drawFlatten},
 };
 
 }  // namespace

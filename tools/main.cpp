@@ -32,6 +32,8 @@ int main(int argc, char** argv) {
     const std::vector<qtool::Command> commands = {
         qtool::addMatrixCommand(app, global),
         qtool::addBBoxCommand(app, global),
+        qtool::addSplitCommand(app, global),
+        qtool::addFlattenCommand(app, global),
         qtool::addGalleryCommand(app, global),
     };
 

@@ -44,7 +44,7 @@ std::string jsonString(const std::string& s) {
 
 Output::Output(bool json) : Output(json, std::cout) {}
 
-Output::Output(bool json, std::ostream& os) : json_(json), os_(os), first_{true}, groups_{0} {
+Output::Output(bool json, std::ostream& os) : json_(json), os_(os), first_{true}, list_{false}, groups_{0} {
     if (json_) os_ << "{";
 }
 
@@ -81,21 +81,28 @@ void Output::put(const std::string& key, const std::string& jsonValue, const std
     first_.back() = false;
 }
 
-void Output::begin(const std::string& key) {
+void Output::open(const std::string& key, bool list) {
     if (json_)
-        os_ << (first_.back() ? "\n" : ",\n") << indent() << "  " << jsonString(key) << ": {";
+        os_ << (first_.back() ? "\n" : ",\n") << indent() << "  " << (list_.back() ? "" : jsonString(key) + ": ")
+            << (list ? "[" : "{");
     else
         rows_.push_back({groups_.back(), first_.size() - 1, key, {}, true});
     first_.back() = false;
     first_.push_back(true);
+    list_.push_back(list);
     groups_.push_back(groupCount_++);
 }
 
+void Output::begin(const std::string& key) { open(key, false); }
+
+void Output::beginList(const std::string& key) { open(key, true); }
+
 void Output::end() {
-    const bool empty = first_.back();
+    const bool empty = first_.back(), list = list_.back();
     first_.pop_back();
+    list_.pop_back();
     groups_.pop_back();
-    if (json_) os_ << (empty ? "" : "\n" + indent() + "  ") << "}";
+    if (json_) os_ << (empty ? "" : "\n" + indent() + "  ") << (list ? "]" : "}");
 }
 
 void Output::number(const std::string& key, double v) { put(key, jsonNumber(v), formatNumber(v)); }
@@ -117,11 +124,22 @@ std::string textPoint(const QorMath::Point2d& p) {
 
 void Output::point(const std::string& key, const QorMath::Point2d& p) { put(key, jsonPoint(p), textPoint(p)); }
 
-void Output::points(const std::string& key, const std::vector<QorMath::Point2d>& ps) {
+void Output::points(const std::string& key, const std::vector<QorMath::Point2d>& ps, size_t perLine,
+                    bool indexed) {
     std::string j = "[", t;
-    for (const auto& p : ps) {
-        j += (j.size() > 1 ? ", " : "") + jsonPoint(p);
-        t += (t.empty() ? "" : "  ") + textPoint(p);
+    for (size_t i = 0; i < ps.size(); ++i) {
+        j += (i ? ", " : "") + jsonPoint(ps[i]);
+        t += i == 0 ? "" : perLine && i % perLine == 0 ? "\n" : "  ";
+        t += (indexed ? "[" + std::to_string(i) + "] " : "") + textPoint(ps[i]);
+    }
+    put(key, j + "]", t);
+}
+
+void Output::numbers(const std::string& key, const std::vector<double>& vs) {
+    std::string j = "[", t;
+    for (size_t i = 0; i < vs.size(); ++i) {
+        j += (i ? ", " : "") + jsonNumber(vs[i]);
+        t += (i ? " " : "") + formatNumber(vs[i]);
     }
     put(key, j + "]", t);
 }

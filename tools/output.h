@@ -20,8 +20,12 @@ public:
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    /// A nested group of keys (a JSON object).
+    /// A nested group of keys (a JSON object). Inside a list, key only heads the
+    /// item in text; JSON items have no key.
     void begin(const std::string& key);
+    /// A list of groups (a JSON array of objects), each item opened with begin().
+    void beginList(const std::string& key);
+    /// Closes the innermost group or list.
     void end();
 
     void number(const std::string& key, double v);
@@ -30,13 +34,18 @@ public:
     /// A missing result: JSON null, in text the reason.
     void none(const std::string& key, const std::string& reason);
     void point(const std::string& key, const QorMath::Point2d& p);
-    void points(const std::string& key, const std::vector<QorMath::Point2d>& ps);
+    /// In text, perLine points to a line (0: all on one line), each after its
+    /// index "[i]" when indexed.
+    void points(const std::string& key, const std::vector<QorMath::Point2d>& ps, size_t perLine = 0,
+                bool indexed = false);
+    void numbers(const std::string& key, const std::vector<double>& vs);
     void rect(const std::string& key, double left, double top, double right, double bottom);
     void matrix(const std::string& key, const MATRIX& m);
 
 private:
     // textValue may hold several lines; they are aligned under the first.
     void put(const std::string& key, const std::string& jsonValue, const std::string& textValue);
+    void open(const std::string& key, bool list);
     std::string indent() const;
 
     // Text is kept until the end so that each group's values share a column.
@@ -51,6 +60,7 @@ private:
     bool json_;
     std::ostream& os_;
     std::vector<bool> first_;     // per open group: nothing written in it yet
+    std::vector<bool> list_;      // per open group: a list rather than an object
     std::vector<size_t> groups_;  // text: ids of the open groups
     std::vector<Row> rows_;
     size_t groupCount_ = 1;

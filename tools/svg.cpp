@@ -70,6 +70,16 @@ Path Path::through(const std::vector<Point2d>& points, bool closed) {
     return path;
 }
 
+Path Path::fromCubics(const std::vector<std::array<Point2d, 4>>& segments, bool closed) {
+    Path path;
+    for (size_t i = 0; i < segments.size(); ++i) {
+        if (i == 0) path.moveTo(segments[i][0]);
+        path.cubicTo(segments[i][1], segments[i][2], segments[i][3]);
+    }
+    if (closed && !segments.empty()) path.close();
+    return path;
+}
+
 Panel::Panel(std::string title) : title_(std::move(title)) {}
 
 void Panel::path(const Path& path, const Style& style) {
@@ -82,10 +92,10 @@ void Panel::dot(const Point2d& centre, double radiusPx, const Style& style) {
     items_.push_back({Item::DotItem, {}, style, centre, radiusPx, 0, Anchor::Middle, {}});
 }
 void Panel::label(const Point2d& at, const std::string& text, double dyPx, Anchor anchor, double sizePx,
-                  const std::string& colour) {
+                  const std::string& colour, double dxPx) {
     Style style;
     style.fill = colour;
-    items_.push_back({Item::LabelItem, {}, style, at, sizePx, dyPx, anchor, text});
+    items_.push_back({Item::LabelItem, {}, style, at, sizePx, dyPx, anchor, text, dxPx});
 }
 void Panel::legend(const Style& style, const std::string& text, bool dot) { legend_.push_back({style, text, dot}); }
 
@@ -146,7 +156,8 @@ std::string Panel::render(double x, double y, double w, double h) const {
                    styleAttributes(item.style) + "/>\n";
         } else {
             const char* anchor = item.anchor == Anchor::Start ? "start" : item.anchor == Anchor::End ? "end" : "middle";
-            out += "<text x=\"" + X(item.at) + "\" y=\"" + px(oy + (maxY - item.at.y) * scale + item.dy) +
+            out += "<text x=\"" + px(ox + (item.at.x - minX) * scale + item.dx) + "\" y=\"" +
+                   px(oy + (maxY - item.at.y) * scale + item.dy) +
                    "\" font-size=\"" + px(item.size) + "\" text-anchor=\"" + anchor + "\" fill=\"" +
                    item.style.fill + "\">" + escape(item.text) + "</text>\n";
         }

@@ -5,6 +5,7 @@
 // (y up); each panel fits its content into its box with one uniform scale and
 // flips y for SVG. Widths, marker radii and font sizes are in pixels.
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,8 @@ public:
     Path& close();
     /// An open polyline, or a polygon when closed.
     static Path through(const std::vector<Point2d>& points, bool closed);
+    /// Cubic segments P0..P3 joined end to start, closed when closed.
+    static Path fromCubics(const std::vector<std::array<Point2d, 4>>& segments, bool closed);
 
 private:
     friend class Panel;
@@ -51,9 +54,9 @@ public:
     void polyline(const std::vector<Point2d>& points, const Style& style, bool closed = false);
     /// A marker of radiusPx pixels at a world point.
     void dot(const Point2d& centre, double radiusPx, const Style& style);
-    /// Text at a world point, moved dyPx pixels down (negative: up).
+    /// Text at a world point, moved dyPx pixels down (negative: up) and dxPx right.
     void label(const Point2d& at, const std::string& text, double dyPx = 0, Anchor anchor = Anchor::Middle,
-               double sizePx = 12, const std::string& colour = "#222222");
+               double sizePx = 12, const std::string& colour = "#222222", double dxPx = 0);
     /// One legend entry: a short stroke sample in style (a marker when dot), then text.
     void legend(const Style& style, const std::string& text, bool dot = false);
     /// The panel as an SVG group occupying the pixel box (x, y, w, h).
@@ -69,6 +72,7 @@ private:
         double dy;
         Anchor anchor;
         std::string text;
+        double dx = 0;  // labels only: pixels to the right
     };
     std::string title_;
     std::vector<Item> items_;
