@@ -6,7 +6,9 @@
 // roots[0] upward and returns their count; roots[] must have room for
 // degree + 2 values. Roots come in ascending order, except that a root within
 // DBL_EPSILON of an end may be reported both as the end root and as an
-// isolated one (nothing is deduplicated).
+// isolated one (nothing is deduplicated). One exception to [0, 1]: the probe
+// for a double root (bernstein.h) starts just left of 0 and accepts where
+// |p| < 1e-7, so a polynomial of tiny scale can yield a root of p′ below 0.
 //
 // includeEnds (degrees 1 to 5): when set the interval is closed and the end
 // roots 0 and 1 are reported; when clear, roots are sought in (0, 1).

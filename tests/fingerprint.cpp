@@ -114,13 +114,95 @@ void Bounds(Fingerprint& f) {
     }
 }
 
+// The curve families draw from their own engine through an explicit mapping of its
+// raw output (which the standard fixes), so their inputs do not depend on how a
+// standard library implements its distributions. Every draw is its own statement:
+// the order in which a call's arguments are evaluated is unspecified.
+class Draw {
+public:
+    double Unit() { return double(engine_() >> 11) * 0x1p-53; }  // [0, 1)
+    double In(double lo, double hi) { return lo + (hi - lo) * Unit(); }
+    vector2dT<double, 1> Point(double r) {
+        const double x = In(-r, r);
+        return {x, In(-r, r)};
+    }
+    tagPOINT IntPoint(double r) {
+        const auto x = static_cast<int32_t>(In(-r, r));
+        return {x, static_cast<int32_t>(In(-r, r))};
+    }
+    template <typename T, typename F>
+    void Four(T (&p)[4], F draw) {
+        for (T& q : p) q = draw();
+    }
+
+private:
+    std::mt19937_64 engine_{20260301};
+};
+
+void Bezier(Fingerprint& f) {
+    using namespace CubicBezier;
+    Draw d;
+    for (int i = 0; i < 3000; ++i) {
+        const double r = i % 3 ? 100 : 1e6;
+        vector2dT<double, 1> p[4], o[10], l[4], q[4];
+        tagPOINT ip[4], io[10], il[4], iq[4];
+        d.Four(p, [&] { return d.Point(r); });
+        d.Four(ip, [&] { return d.IntPoint(i % 5 ? 1e5 : 2147483647.0); });
+        const double t = d.In(-0.25, 1.25), t0 = d.In(-0.25, 1.25), t1 = d.In(-0.25, 1.25);
+        Split(t, p, l, q), f.Add(l), f.Add(q);
+        Split(p, l, q), f.Add(l), f.Add(q);
+        Split(t, p, o);
+        for (int k = 0; k < 7; ++k) f.Add(o[k]);
+        Split(t0, t1, p, o), f.Add(o);
+        LeftOf(t, p, l), RightOf(t0, p, q), f.Add(l), f.Add(q);
+        Subsection(t0, t1, p, l), f.Add(l);
+        Split(t, ip, il, iq), f.Add(il), f.Add(iq);
+        Split(ip, il, iq), f.Add(il), f.Add(iq);
+        Split(t, ip, io);
+        for (int k = 0; k < 7; ++k) f.Add(io[k]);
+        Split(t0, t1, ip, io), f.Add(io);
+        LeftOf(t, ip, il), RightOf(t0, ip, iq), f.Add(il), f.Add(iq);
+        Subsection(t0, t1, ip, il), f.Add(il);
+        vector2dT<double, 1> a{}, b{}, c{}, e{};
+        GetPowerBasis(p, a, b, c, e);
+        f.Add(a), f.Add(b), f.Add(c), f.Add(e), f.Add(Evaluate(a, b, c, e, t)), f.Add(EvaluateDerivative(a, b, c, t));
+        From3Points(il, p[0], p[1], p[2], i % 2 == 0), f.Add(il);
+        tagPOINT keep[4] = {};
+        f.Add(From3Points(keep, p[0], AsVector(p[1]), p[2], p[3], AsVector(o[5]))), f.Add(keep);
+    }
+}
+
+void Flatten(Fingerprint& f) {
+    Draw d;
+    const double tols[] = {0, 1e-3, 0.25, 4, 100, -1};
+    vector2dT<double, 1> p[4], out[1025];
+    tagPOINT ip[4], iout[1025];
+    for (int i = 0; i < 3000; ++i) {
+        const double r = i % 4 ? 300 : 3;
+        d.Four(p, [&] { return d.Point(r); });
+        d.Four(ip, [&] { return d.IntPoint(r * 100); });
+        if (i % 7 == 0) p[3] = p[0], ip[3] = ip[0];
+        const int m = 2 + static_cast<int>(d.Unit() * 1023), n = i % 50;
+        const double tol = tols[i % 6];
+        f.Add(CalculateNumBezierLines(p, m)), f.Add(CalculateNumBezierLines(ip, m));
+        f.Add(CalculateNumBezierLines(tagRECT{ip[0].x, ip[0].y, ip[1].x, ip[1].y}, m));
+        BezierToLines(p, out, n), BezierToLines(ip, iout, n);
+        for (int k = 0; k <= n; ++k) f.Add(out[k]), f.Add(iout[k]);
+        const int c = AdaptiveBezierToLines(p, out, tol, m), ic = AdaptiveBezierToLines(ip, iout, tol, m);
+        f.Add(c), f.Add(ic);
+        for (int k = 0; k <= c; ++k) f.Add(out[k]);
+        for (int k = 0; k <= ic; ++k) f.Add(iout[k]);
+    }
+}
+
 }  // namespace
 
 int main() {
     const struct {
         const char* name;
         void (*run)(Fingerprint&);
-    } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds}};
+    } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds},
+                    {"bezier", Bezier},  {"flatten", Flatten}};
     for (const auto& family : families) {
         Fingerprint f;
         family.run(f);
