@@ -8,6 +8,8 @@
 
 #include <QorMath/QorMath.h>
 
+#include "bezier/roots.h"
+
 using namespace QorMath;
 
 namespace {
@@ -195,6 +197,39 @@ void Flatten(Fingerprint& f) {
     }
 }
 
+// The internal solvers: polynomials with roots drawn in and around [0, 1], and
+// with random coefficients.
+void Roots(Fingerprint& f) {
+    Draw d;
+    double c[12], roots[14];
+    for (int i = 0; i < 3000; ++i) {
+        const int degree = 1 + i % 11;
+        c[0] = d.In(0.5, 2);
+        for (int k = 1; k <= degree; ++k) c[k] = 0;
+        for (int k = 0; k < degree; ++k) {  // multiply by (t − r)
+            const double r = i % 2 ? d.In(-0.2, 1.2) : d.In(-50, 50);
+            for (int j = k + 1; j > 0; --j) c[j] -= r * c[j - 1];
+        }
+        const bool ends = i % 3 == 0;
+        int n = 0;
+        switch (degree) {
+            case 1: n = FindLinearRoot(c, roots, ends); break;
+            case 2: n = FindQuadraticRoots(c, roots, ends); break;
+            case 3: n = FindCubicRoots(c, roots, ends); break;
+            case 4: n = FindQuarticRoots(c, roots, ends); break;
+            case 5: n = FindQuinticRoots(c, roots, ends); break;
+            case 6: n = FindDegree6Roots(c, roots); break;
+            case 7: n = FindDegree7Roots(c, roots); break;
+            case 8: n = FindDegree8Roots(c, roots); break;
+            case 9: n = FindDegree9Roots(c, roots); break;
+            case 10: n = FindDegree10Roots(c, roots); break;
+            default: n = FindDegree11Roots(c, roots); break;
+        }
+        f.Add(n);
+        for (int k = 0; k < n; ++k) f.Add(roots[k]);
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -202,7 +237,7 @@ int main() {
         const char* name;
         void (*run)(Fingerprint&);
     } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds},
-                    {"bezier", Bezier},  {"flatten", Flatten}};
+                    {"bezier", Bezier},  {"flatten", Flatten}, {"roots", Roots}};
     for (const auto& family : families) {
         Fingerprint f;
         family.run(f);
