@@ -18,9 +18,9 @@ namespace {
 
 using QorMath::Point2d;
 
-// The adaptive operation keeps its pending intervals on fixed stacks that hold
-// up to this maximum (at most 1024 lines).
-constexpr int kMaxLinesLimit = 2047;
+// The library takes any positive maximum; a segment's buffer holds maximum + 1
+// points, and a million lines per segment is more than a command line needs.
+constexpr int kMaxLinesLimit = 1 << 20;
 
 struct FlattenOptions {
     std::vector<std::string> words;
@@ -144,7 +144,7 @@ Command addFlattenCommand(CLI::App& parent, const GlobalOptions& global) {
                         "midpoint lies less than sqrt(tolerance) from its chord (0.25: half a unit)")
             ->capture_default_str();
     app->add_option("--max-lines", opts->maxLines,
-                    "The library's maximum line count per segment (1 to 2047; adaptive flattening makes at most "
+                    "The library's maximum line count per segment (1 to 1048576; adaptive flattening makes at most "
                     "the largest power of two not above it)")
         ->capture_default_str();
     app->add_flag("--uniform", opts->uniform,
