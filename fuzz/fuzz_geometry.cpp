@@ -8,61 +8,34 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include "QorMath/angles.h"
 #include "QorMath/bounds.h"
 #include "QorMath/fitting.h"
 #include "QorMath/matrix.h"
-
-// Aborts, so that libFuzzer keeps the input, when two equivalent paths disagree.
-#define CHECK(c) \
-    ((c) ? (void)0 : (std::fprintf(stderr, "check failed, line %d: %s\n", __LINE__, #c), std::abort()))
+#include "fuzz_input.h"
 
 namespace {
 using namespace QorMath;
 using P = vector2dT<double, 1>;
 using V = vector2dT<double, 0>;
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// Reads values off the input, zeros once it is used up. A tag byte picks a
-// value from a table of awkward ones, a small number, or raw bits, so that
-// mutation reaches the interesting values often.
-class Input {
+class Input : public qfuzz::ByteReader {
 public:
-    Input(const uint8_t* d, size_t n) : d_(d), n_(n) {}
-    size_t Left() const { return n_; }
-    uint8_t Byte() { return n_ ? (--n_, *d_++) : 0; }
-    template <typename T>
-    T Raw() {  // little-endian bytes, zero-padded at the end of the input
-        uint64_t bits = 0;
-        for (size_t i = 0; i < sizeof(T); ++i) bits |= uint64_t(Byte()) << (8 * i);
-        T v;
-        std::memcpy(&v, &bits, sizeof v);
-        return v;
-    }
+    using ByteReader::ByteReader;
     double D() {
         static const double k[] = {0.0, -0.0, 1.0, -1.0, 0.5, 2.0, Pi, TwoPi, Pi / 2, DBL_EPSILON, DBL_MIN,
                                    4.9e-324, DBL_MAX, -DBL_MAX, kInf, -kInf, kNaN, 2147483647.0, -2147483648.0,
                                    2147483647.5, -2147483648.5, 4294967296.0, 536870912.0, 1e300, -1e300, 1e-300,
                                    1e6, 360.0, 90.0, 1e-17, 0.1, 1e16};
-        const uint8_t tag = Byte();
-        if (tag < 96) return k[tag % (sizeof k / sizeof *k)];
-        if (tag < 160) return static_cast<int8_t>(Byte()) / 4.0;
-        return Raw<double>();
+        return Tagged(k, 96, 160, 1 / 4.0);
     }
     int32_t I() {
         static const int32_t k[] = {0, 1, -1, 2, INT32_MIN, INT32_MAX, INT32_MIN + 1, INT32_MAX - 1, 360000000,
                                     -360000000, 90000000, 180000000, 270000000, 450000000, 536870912, 46341};
-        const uint8_t tag = Byte();
-        if (tag < 96) return k[tag % (sizeof k / sizeof *k)];
-        if (tag < 160) return static_cast<int8_t>(Byte());
-        return Raw<int32_t>();
+        return Tagged(k, 96, 160, 1);
     }
     P Pt() { return {D(), D()}; }
     V Vec() { return {D(), D()}; }
@@ -71,7 +44,10 @@ public:
     BoundsT<double> Box() { return {D(), D(), D(), D()}; }
     MATRIX M() { return {D(), D(), D(), D(), D(), D()}; }
     // Array lengths: at most 32, and never more than the bytes still unread.
-    size_t Count() { return std::min<size_t>(Byte() % 33, n_); }
+    size_t Count() {
+        const size_t n = Byte() % 33;
+        return std::min(n, Left());
+    }
     std::vector<P> Pts() { return Fill<P>(&Input::Pt); }
     std::vector<tagPOINT> IPts() { return Fill<tagPOINT>(&Input::IPt); }
 
@@ -82,8 +58,6 @@ private:
         for (auto& x : v) x = (this->*next)();
         return v;
     }
-    const uint8_t* d_;
-    size_t n_;
 };
 
 bool Same(double u, double w) { return (std::isnan(u) && std::isnan(w)) || std::memcmp(&u, &w, sizeof u) == 0; }

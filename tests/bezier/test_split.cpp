@@ -57,73 +57,48 @@ void Random(std::mt19937& rng, P p[4], double scale) {
     for (int i = 0; i < 4; ++i) p[i] = {u(rng), u(rng)};
 }
 
-// Subsection by its definition from the one-piece functions.
-void ComposedSubsection(double t0, double t1, const P p[4], P out[4]) {
-    if (t0 <= 0) return LeftOf(t1, p, out);
-    if (t1 >= 1) return RightOf(t0, p, out);
-    P l[4];
-    LeftOf(t1, p, l);
-    RightOf(t0 / t1, l, out);
-}
-
 }  // namespace
 
-TEST(BezierSplit, InterpolationOperandOrder) {
-    // lerp(0.1, 0.7, 0.3): (b − a)·s + a and (1 − s)·a + s·b differ in the last bit here.
-    const P p[4] = {{0.1, 0.1}, {0.7, 0.1}, {0.7, 0.1}, {0.7, 0.1}};
+TEST(BezierSplit, PiecesAreTheCasteljauPoints) {
+    // lerp(0.1, 0.7, 0.3): (b − a)·s + a and (1 − s)·a + s·b differ in the last bit here;
+    // a == b gives a exactly, which (1 − s)·a + s·b would not.
+    const P e[4] = {{0.1, 0.1}, {0.7, 0.1}, {0.7, 0.1}, {0.7, 0.1}};
     ASSERT_NE((1 - 0.3) * 0.1 + 0.3 * 0.7, 0x1.1eb851eb851ecp-2);
     P l[4], r[4];
-    LeftOf(0.3, p, l);
-    EXPECT_EQ(l[1].x, 0x1.1eb851eb851ecp-2);
-    EXPECT_EQ(l[1].y, 0.1);  // a == b gives a exactly; (1 − s)·a + s·b would not
+    LeftOf(0.3, e, l);
+    EXPECT_TRUE(l[1].x == 0x1.1eb851eb851ecp-2 && l[1].y == 0.1);
     // Midpoints are (a + b)·0.5: 0.2 and 3.3 meet at 1.75 exactly, the lerp at 0.5 one ulp below.
-    const P q[4] = {{0.2, 0}, {3.3, 0}, {3.3, 0}, {3.3, 0}};
-    Split(q, l, r);
+    const P m[4] = {{0.2, 0}, {3.3, 0}, {3.3, 0}, {3.3, 0}};
+    Split(m, l, r);
     EXPECT_EQ(l[1].x, 1.75);
-    Split(0.5, q, l, r);
+    Split(0.5, m, l, r);
     EXPECT_EQ(l[1].x, 0x1.bffffffffffffp+0);
+    // At 0: P0 four times and the input; at 1 the reverse (exact here: integral points).
+    const P q[4] = {{1, -2}, {7, 5}, {-3, 8}, {4, 0}};
+    P l1[4], r1[4];
+    Split(0.0, q, l, r), Split(1.0, q, l1, r1);
+    for (int k = 0; k < 4; ++k) EXPECT_TRUE(l[k] == q[0] && r[k] == q[k] && l1[k] == q[k] && r1[k] == q[3]) << k;
 
-    // A constant curve stays constant to the bit through every form, extrapolating too.
-    const P c[4] = {{0.1, -0.3}, {0.1, -0.3}, {0.1, -0.3}, {0.1, -0.3}};
-    for (double t : {0.3, 0.2, 1.0 / 3, -0.7, 3.3}) {
-        P o[45];
-        Split(t, c, o, o + 4), Split(c, o + 8, o + 12), LeftOf(t, c, o + 16), RightOf(t, c, o + 20);
-        Subsection(0.2, t, c, o + 24), Split(t, c, o + 28), Split(0.3, t, c, o + 35);
-        for (const P& v : o) EXPECT_TRUE(v.x == 0.1 && v.y == -0.3) << t;
-    }
-}
-
-TEST(BezierSplit, PiecesAreTheCasteljauPoints) {
     std::mt19937 rng(11);
     std::uniform_real_distribution<double> ut(-0.5, 1.5);
     for (int i = 0; i < 3000; ++i) {
-        P p[4], w[7], l[4], r[4], o[7];
+        P p[4], w[7], o[7];
         Random(rng, p, i % 3 ? 100 : 1e6);
         const double fixed[] = {0, 1, 0.5, -0.5, 1.5, 1e-300};
         const double t = i < 6 ? fixed[i] : ut(rng);
         Casteljau(t, p, w);
         Split(t, p, l, r);
         ASSERT_TRUE(Bits(l, w, 4) && Bits(r, w + 3, 4)) << i;
-        Split(t, p, o);
-        ASSERT_TRUE(Bits(o, w, 7)) << i;
-        LeftOf(t, p, l), RightOf(t, p, r);
-        ASSERT_TRUE(Bits(l, w, 4) && Bits(r, w + 3, 4)) << i;
-        // In place on a piece written before: same bits as into a separate array.
-        RightOf(0.375, l, r);
-        RightOf(0.375, l, l);
-        ASSERT_TRUE(Bits(l, r, 4)) << i;
-
         const double tol = 1e-14 * (i % 3 ? 100 : 1e6) * (1 + 4 * std::fabs(t - 0.5));
-        Split(t, p, l, r);
         EXPECT_TRUE(PieceError(l, p, 0, t) <= tol && PieceError(r, p, t, 1) <= tol) << i;
+        Split(t, p, o);
+        LeftOf(t, p, l), RightOf(t, p, r);
+        ASSERT_TRUE(Bits(o, w, 7) && Bits(l, w, 4) && Bits(r, w + 3, 4)) << i;
+        RightOf(0.375, l, r), RightOf(0.375, l, l);  // in place on a piece written before: the same bits
+        ASSERT_TRUE(Bits(l, r, 4)) << i;
         Split(p, l, r);
         EXPECT_TRUE(PieceError(l, p, 0, 0.5L) <= tol && PieceError(r, p, 0.5L, 1) <= tol) << i;
     }
-    // At 0: P0 four times and the input; at 1 the reverse (exact here: integral points).
-    const P q[4] = {{1, -2}, {7, 5}, {-3, 8}, {4, 0}};
-    P l[4], r[4], l1[4], r1[4];
-    Split(0.0, q, l, r), Split(1.0, q, l1, r1);
-    for (int k = 0; k < 4; ++k) EXPECT_TRUE(l[k] == q[0] && r[k] == q[k] && l1[k] == q[k] && r1[k] == q[3]) << k;
 }
 
 TEST(BezierSplit, SubsectionBranchesAndTenPointLayout) {
@@ -137,7 +112,12 @@ TEST(BezierSplit, SubsectionBranchesAndTenPointLayout) {
         Random(rng, p, 100);
         const auto [t0, t1] = i < 10 ? fixed[i] : std::make_pair(ut(rng), ut(rng));
         Subsection(t0, t1, p, s);
-        ComposedSubsection(t0, t1, p, w);
+        if (t0 <= 0)  // by definition from the one-piece functions
+            LeftOf(t1, p, w);
+        else if (t1 >= 1)
+            RightOf(t0, p, w);
+        else
+            LeftOf(t1, p, a), RightOf(t0 / t1, a, w);
         ASSERT_TRUE(Bits(s, w, 4)) << t0 << ' ' << t1;
         // The piece covers [t0, t1], clamped to [0, t1] or [t0, 1] by the first two branches.
         const LD lo = t0 <= 0 ? 0 : t0, hi = t0 > 0 && t1 >= 1 ? 1 : t1;
@@ -155,14 +135,13 @@ TEST(BezierSplit, SubsectionBranchesAndTenPointLayout) {
     // LeftOf(1) moves a point here ((1e-17 − 0.1)·1 + 0.1 is 0), so only the second
     // branch gives RightOf(0.3) of the input itself for t1 = 1.
     const P p[4] = {{0.1, 0}, {1e-17, 0}, {0.5, 0}, {0.25, 1}};
-    P whole[4], l[4], viaLeft[4], s[4];
-    LeftOf(1, p, l);
+    P l[4], s[4], want[4], viaLeft[4];
+    LeftOf(1, p, l), Subsection(0, 1, p, s);
     ASSERT_FALSE(SameBits(l[1], p[1]));
-    Subsection(0, 1, p, whole);
-    EXPECT_TRUE(Bits(whole, l, 4));
-    RightOf(0.3, p, whole), RightOf(0.3, l, viaLeft), Subsection(0.3, 1, p, s);
-    ASSERT_FALSE(Bits(whole, viaLeft, 4));
-    EXPECT_TRUE(Bits(s, whole, 4));
+    EXPECT_TRUE(Bits(s, l, 4));
+    RightOf(0.3, p, want), RightOf(0.3, l, viaLeft), Subsection(0.3, 1, p, s);
+    ASSERT_FALSE(Bits(want, viaLeft, 4));
+    EXPECT_TRUE(Bits(s, want, 4));
 }
 
 TEST(BezierSplitInt, MidpointInInt32) {
@@ -170,10 +149,9 @@ TEST(BezierSplitInt, MidpointInInt32) {
     const tagPOINT a[4] = {{-3, 3}, {0, 0}, {0, 0}, {0, 0}};
     Split(a, l, r);
     EXPECT_TRUE(qtest::Same(l, {{-3, 3}, {-1, 1}, {0, 0}, {0, 0}}));  // toward zero, not floor
-    EXPECT_TRUE(qtest::Same(r, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}));
     const tagPOINT b[4] = {{7, -7}, {0, 0}, {0, 0}, {0, 0}};  // 3, then 3/2 = 1, then 1/2 = 0
     Split(b, l, r);
-    EXPECT_TRUE(qtest::Same(l, {{7, -7}, {3, -3}, {1, -1}, {0, 0}}));
+    EXPECT_TRUE(qtest::Same(l, {{7, -7}, {3, -3}, {1, -1}, {0, 0}}) && qtest::Same(r, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}));
 
     // Sums wrap in 32 bits: against int64 sums reduced modulo 2^32.
     const auto mid = [](int32_t u, int32_t v) {
@@ -192,11 +170,10 @@ TEST(BezierSplitInt, MidpointInInt32) {
         for (tagPOINT& q : p) q = i % 2 ? tagPOINT{full(rng), full(rng)} : tagPOINT{nearLimit(), nearLimit()};
         Split(p, l, r);
         for (int k = 0; k < 2; ++k) {  // x, then y
-            const auto c = [&](int j) { return k ? p[j].y : p[j].x; };
-            const auto g = [&](int j) { return k ? (j < 4 ? l[j] : r[j - 3]).y : (j < 4 ? l[j] : r[j - 3]).x; };
-            const int32_t A = mid(c(0), c(1)), M = mid(c(1), c(2)), C = mid(c(2), c(3)), D = mid(A, M), E = mid(M, C);
-            const int32_t w[7] = {c(0), A, D, mid(D, E), E, C, c(3)};
-            for (int j = 0; j < 7; ++j) ASSERT_EQ(g(j), w[j]) << i << ' ' << j << ' ' << k;
+            const auto c = [k](const tagPOINT& q) { return k ? q.y : q.x; };
+            const int32_t A = mid(c(p[0]), c(p[1])), M = mid(c(p[1]), c(p[2])), C = mid(c(p[2]), c(p[3]));
+            const int32_t D = mid(A, M), E = mid(M, C), w[8] = {c(p[0]), A, D, mid(D, E), mid(D, E), E, C, c(p[3])};
+            for (int j = 0; j < 8; ++j) ASSERT_EQ(c(j < 4 ? l[j] : r[j - 4]), w[j]) << i << ' ' << j << ' ' << k;
         }
     }
 }
