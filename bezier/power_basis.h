@@ -6,6 +6,7 @@
 // so all of them compute the same bits.
 
 #include "QorMath/types.h"
+#include "geometry/wrap.h"
 
 namespace QorMath {
 
@@ -23,6 +24,20 @@ inline PowerBasis ToPowerBasis(const vector2dT<double, 1> p[4]) {
             {PowerB(p[0].x, p[1].x, p[2].x), PowerB(p[0].y, p[1].y, p[2].y)},
             {PowerC(p[0].x, p[1].x), PowerC(p[0].y, p[1].y)},
             p[0]};
+}
+
+// Integer control points: the differences P2 − P1 and P1 − P0 are formed in
+// int32 (wrapping for points more than 2³¹ apart) and then converted; b comes
+// from the converted coordinates.
+inline PowerBasis ToPowerBasis(const tagPOINT p[4]) {
+    const auto a = [](int32_t p0, int32_t p1, int32_t p2, int32_t p3) {
+        return double(p3) - 3.0 * double(WrappingSub(p2, p1)) - double(p0);
+    };
+    const auto c = [](int32_t p0, int32_t p1) { return 3.0 * double(WrappingSub(p1, p0)); };
+    return {{a(p[0].x, p[1].x, p[2].x, p[3].x), a(p[0].y, p[1].y, p[2].y, p[3].y)},
+            {PowerB(p[0].x, p[1].x, p[2].x), PowerB(p[0].y, p[1].y, p[2].y)},
+            {c(p[0].x, p[1].x), c(p[0].y, p[1].y)},
+            {double(p[0].x), double(p[0].y)}};
 }
 
 inline double Horner(double a, double b, double c, double d, double t) { return ((a * t + b) * t + c) * t + d; }

@@ -34,24 +34,6 @@ int LinesForSize(int32_t size, int maximum) {
 Point ToDouble(const tagPOINT& p) { return {double(p.x), double(p.y)}; }
 Point ToDouble(const Point& p) { return p; }
 
-// The integer form forms the control-polygon differences in int32 first (they
-// wrap for points more than 2³¹ apart); with them b = 3·((P2 − P1) − (P1 − P0)),
-// which equals 3·(P2 − 2·P1 + P0) exactly whenever nothing wraps.
-double IntegerPowerA(int32_t p0, int32_t p1, int32_t p2, int32_t p3) {
-    return double(p3) - 3.0 * double(WrappingSub(p2, p1)) - double(p0);
-}
-double IntegerPowerB(int32_t p0, int32_t p1, int32_t p2) {
-    return 3.0 * (double(WrappingSub(p2, p1)) - double(WrappingSub(p1, p0)));
-}
-double IntegerPowerC(int32_t p0, int32_t p1) { return 3.0 * double(WrappingSub(p1, p0)); }
-
-PowerBasis ToPowerBasis(const tagPOINT p[4]) {
-    return {{IntegerPowerA(p[0].x, p[1].x, p[2].x, p[3].x), IntegerPowerA(p[0].y, p[1].y, p[2].y, p[3].y)},
-            {IntegerPowerB(p[0].x, p[1].x, p[2].x), IntegerPowerB(p[0].y, p[1].y, p[2].y)},
-            {IntegerPowerC(p[0].x, p[1].x), IntegerPowerC(p[0].y, p[1].y)},
-            ToDouble(p[0])};
-}
-
 // Total travel of the control polygon along x and along y.
 double Travel(double p0, double p1, double p2, double p3) {
     return std::fabs(p1 - p0) + std::fabs(p2 - p1) + std::fabs(p3 - p2);

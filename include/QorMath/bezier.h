@@ -15,6 +15,8 @@
 // double, run the double computation and round each output coordinate once,
 // half away from zero (RoundToInt). Outputs must not overlap the input.
 
+#include <vector>
+
 #include "QorMath/types.h"
 
 namespace QorMath {
@@ -97,6 +99,128 @@ QORMATH_API void From3Points(tagPOINT out[4], const vector2dT<double, 1>& A, con
 QORMATH_API bool From3Points(tagPOINT out[4], const vector2dT<double, 1>& A, const vector2dT<double, 0>& s,
                              const vector2dT<double, 1>& M, const vector2dT<double, 1>& B,
                              const vector2dT<double, 0>& e);
+
+// ---- Analysis ----------------------------------------------------------------
+// The functions below take the power-basis coefficients a, b, c, d of
+// GetPowerBasis (typed as points) unless they say otherwise. Functions filling a
+// std::vector append to it and never clear it. Root arrays (double*) must hold
+// the solver's maximum: 7 for FindTangentsToPoint, 13 for FindCurvatureMinMax.
+
+/// Signed curvature (x′y″ − y′x″)/|B′|³ at t, positive where the curve turns
+/// counter-clockwise (y up). False at zero speed, curvature untouched.
+QORMATH_API bool GetCurvatureAt(double t, const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                const vector2dT<double, 1>& c, double& curvature);
+/// Signed radius of curvature |B′|³/(x′y″ − y′x″) at t. False where the
+/// numerator is exactly 0 (straight there, or zero speed), radius = +DBL_MAX
+/// (−DBL_MAX only when the speed is NaN).
+QORMATH_API bool GetCurvatureRadiusAt(double t, const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                      const vector2dT<double, 1>& c, double& radius);
+/// The curvature at t, or at t ± 1e-5 toward the middle when the speed at t is
+/// zero, or 0.
+QORMATH_API double SafeBezierCurvature(double t, const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                       const vector2dT<double, 1>& c);
+/// The two roots of B′ × B″ = 0, a quadratic, written to out[0] (the +√D root)
+/// and out[1]; returns 2, or 0 when they are complex. Neither sorted nor
+/// restricted to [0, 1]; a double root appears twice; a curve whose quadratic
+/// has no t² term gives infinities or NaN. Callers filter.
+QORMATH_API int BezierInflectionPoints(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                       const vector2dT<double, 1>& c, double* out);
+/// Candidate parameters of curvature extrema in (0, 1): where the speed |B′| is
+/// extremal or zero (the roots of (|B′|²)³′). Returns the count.
+QORMATH_API int FindCurvatureMinMax(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                    const vector2dT<double, 1>& c, double* out);
+
+/// The tangent B′(t), not normalised and never (0, 0): where B′ vanishes, a
+/// finite difference over 1e-5 toward the middle, then the chord from B(1e-6)
+/// to B(0.999999), then (1, 0).
+QORMATH_API vector2dT<double, 0> SafeBezierTangent(double t, const vector2dT<double, 1>& a,
+                                                   const vector2dT<double, 1>& b, const vector2dT<double, 1>& c,
+                                                   const vector2dT<double, 1>& d);
+/// Appends the t in (0, 1) where x′(t) = 0, ascending.
+QORMATH_API void GetVerticalTangents(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                     const vector2dT<double, 1>& c, std::vector<double>& out);
+/// Appends the t in (0, 1) where y′(t) = 0, ascending.
+QORMATH_API void GetHorizontalTangents(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                       const vector2dT<double, 1>& c, std::vector<double>& out);
+/// Appends the t in [0, 1] where B′(t) is parallel to direction, ascending.
+/// everywhereParallel is set, and nothing appended, when B′ × direction
+/// vanishes identically (a straight segment along direction, or a zero direction).
+QORMATH_API void GetParallels(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                              const vector2dT<double, 1>& c, const vector2dT<double, 0>& direction,
+                              std::vector<double>& out, bool& everywhereParallel);
+/// The t in [0, 1] whose tangent line passes through p (roots of a quartic),
+/// written to roots; returns the count.
+QORMATH_API int FindTangentsToPoint(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                    const vector2dT<double, 1>& c, const vector2dT<double, 1>& d,
+                                    const vector2dT<double, 1>& p, double* roots);
+
+/// The nearest of the points where the distance to p is stationary, ends
+/// included only when stationary. False, outputs untouched, when there is none.
+/// Of equally near points the smaller t wins.
+QORMATH_API bool FindClosestPointOnBezier(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                          const vector2dT<double, 1>& c, const vector2dT<double, 1>& d,
+                                          const vector2dT<double, 1>& p, double& t, vector2dT<double, 1>& nearest,
+                                          double& distanceSquared);
+/// As above from control points.
+QORMATH_API bool FindClosestPointOnBezier(const vector2dT<double, 1> points[4], const vector2dT<double, 1>& p,
+                                          double& t, vector2dT<double, 1>& nearest, double& distanceSquared);
+/// As above from integer control points; nearest rounded, distanceSquared that
+/// of the unrounded point.
+QORMATH_API bool FindClosestPointOnBezier(const tagPOINT points[4], const tagPOINT& p, double& t, tagPOINT& nearest,
+                                          double& distanceSquared);
+/// The t of the integer form; when it fails, 0.0 if P0 is strictly nearer to p
+/// than P3, else 1.0.
+QORMATH_API double FindClosestPointOnBezier(const tagPOINT points[4], const tagPOINT& p);
+/// Appends every t in (0, 1) where the distance to p is stationary (minima and
+/// maxima, in t order), the point there and its squared distance to p. True when
+/// there was at least one.
+QORMATH_API bool FindClosestPointsOnBezier(const vector2dT<double, 1> points[4], const vector2dT<double, 1>& p,
+                                           std::vector<double>& ts, std::vector<vector2dT<double, 1>>& nearest,
+                                           std::vector<double>& distancesSquared);
+/// As above; points rounded, distances to the rounded points.
+QORMATH_API bool FindClosestPointsOnBezier(const tagPOINT points[4], const tagPOINT& p, std::vector<double>& ts,
+                                           std::vector<tagPOINT>& nearest, std::vector<double>& distancesSquared);
+/// The parameter of a point on or within 0.1 of the curve: the nearest
+/// stationary point over t in (−1, 2) is appended when it lies in [0, 1] and
+/// nearer than 0.1. Returns whether out is non-empty afterwards.
+QORMATH_API bool Invert(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b, const vector2dT<double, 1>& c,
+                        const vector2dT<double, 1>& d, const vector2dT<double, 1>& p, std::vector<double>& out);
+
+/// Arc length over [0, 1] by Gauss–Legendre quadrature of the speed, with the
+/// rule that accuracy selects (2 to 8, 10 or 16 points).
+QORMATH_API double Length(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                          const vector2dT<double, 1>& c, LengthAccuracy accuracy);
+/// Length of the piece [0, t] (10-point rule); exactly 0 at t = 0.
+QORMATH_API double LengthTo(double t, const vector2dT<double, 1> points[4]);
+QORMATH_API double LengthTo(double t, const tagPOINT points[4]);
+/// Length of the piece [t, 1] (10-point rule); exactly 0 at t = 1.
+QORMATH_API double LengthFrom(double t, const vector2dT<double, 1> points[4]);
+QORMATH_API double LengthFrom(double t, const tagPOINT points[4]);
+/// The t at which the length from 0 is fraction of the whole: regula falsi on
+/// the length until it is within tolerance (or 200 steps). 0 for fraction <= 0,
+/// 1 for fraction >= 1.
+QORMATH_API double GetCurveRelativeLengthParameter(double fraction, vector2dT<double, 1> a, vector2dT<double, 1> b,
+                                                   vector2dT<double, 1> c, double tolerance,
+                                                   LengthAccuracy accuracy);
+
+/// The side of the curve p lies on, seen along the direction of travel, from
+/// the closest point (t, nearest, distanceSquared are filled too). False, side
+/// untouched, when there is no closest point in [0, 1]. On the tangent line
+/// (or at zero speed) the side is SideNone.
+QORMATH_API bool GetSide(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b, const vector2dT<double, 1>& c,
+                         const vector2dT<double, 1>& d, const vector2dT<double, 1>& p, double& t,
+                         vector2dT<double, 1>& nearest, double& distanceSquared, Side& side);
+/// As above; every failure gives SideNone.
+QORMATH_API Side GetSide(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b, const vector2dT<double, 1>& c,
+                         const vector2dT<double, 1>& d, const vector2dT<double, 1>& p);
+/// ∫ y·x′ dt over [0, 1]: the signed area between the curve and the x axis,
+/// negative when the curve runs toward −x.
+QORMATH_API double GetAreaUnderBezier(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                      const vector2dT<double, 1>& c, const vector2dT<double, 1>& d);
+/// The point at signed distance distance·scale from B(t) along the left normal
+/// of the (normalised) SafeBezierTangent; positive is to the left of travel.
+QORMATH_API vector2dT<double, 1> MapToBezier(const vector2dT<double, 1> points[4], double t, double distance,
+                                             double scale);
 
 }  // namespace CubicBezier
 
