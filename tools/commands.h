@@ -26,6 +26,7 @@ Command addMatrixCommand(CLI::App& parent, const GlobalOptions& global);
 Command addBBoxCommand(CLI::App& parent, const GlobalOptions& global);
 Command addFlattenCommand(CLI::App& parent, const GlobalOptions& global);
 Command addSplitCommand(CLI::App& parent, const GlobalOptions& global);
+Command addCurveCommand(CLI::App& parent, const GlobalOptions& global);
 Command addGalleryCommand(CLI::App& parent, const GlobalOptions& global);
 
 }  // namespace qtool

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 
@@ -241,18 +242,175 @@ std::string drawFlatten(svg::Panel& panel) {
     return summary + " lines";
 }
 
+namespace CB = QorMath::CubicBezier;
+
+// The curve of four control points as an SVG path.
+svg::Path bezierPath(const Point2d (&p)[4]) { return svg::Path().moveTo(p[0]).cubicTo(p[1], p[2], p[3]); }
+
+// Unit left normal of the curve at t (the tangent never vanishes).
+Vector2d leftNormal(double t, const Point2d& a, const Point2d& b, const Point2d& c, const Point2d& d) {
+    const Vector2d tan = CB::SafeBezierTangent(t, a, b, c, d);
+    const double len = Magnitude(tan);
+    return {-tan.y / len, tan.x / len};
+}
+
+std::string list(const std::vector<double>& ts) {
+    std::string s;
+    for (double t : ts) s += (s.empty() ? "" : ", ") + brief(t);
+    return s.empty() ? "none" : s;
+}
+
+// Curvature comb: at each sample a tooth along the normal, as long as the
+// curvature is large, pointing away from the centre of curvature, so the teeth
+// change sides at an inflection.
+std::string drawComb(svg::Panel& panel) {
+    const Style curve{"#1f2937", "none", 2.4, "", 1};
+    const Style teeth{"#60a5fa", "none", 1, "", 1};
+    const Style envelope{"#2563eb", "none", 1.6, "", 1};
+    const Style inflection{"#dc2626", "#dc2626", 1, "", 1};
+    const Style extremum{"#d97706", "#ffffff", 2, "", 1};
+    const Point2d p[4] = {{0, 0}, {20, 100}, {150, -90}, {220, 40}};
+    Point2d a, b, c, d;
+    CB::GetPowerBasis(p, a, b, c, d);
+    const int samples = 120;
+    std::vector<double> k(samples + 1);
+    double kMax = 0;
+    for (int i = 0; i <= samples; ++i) {
+        k[i] = CB::SafeBezierCurvature(double(i) / samples, a, b, c);
+        kMax = std::max(kMax, std::abs(k[i]));
+    }
+    const double scale = 50 / kMax;  // the longest tooth is 50 units
+    // The curve as a polyline, so that the far handles do not widen the view.
+    std::vector<Point2d> tips, line;
+    for (int i = 0; i <= samples; ++i) {
+        const double t = double(i) / samples;
+        line.push_back(CB::Evaluate(a, b, c, d, t));
+        tips.push_back(line.back() - leftNormal(t, a, b, c, d) * (k[i] * scale));
+        panel.polyline({line.back(), tips.back()}, teeth);
+    }
+    panel.polyline(tips, envelope);
+    panel.polyline(line, curve);
+
+    double roots[13];
+    std::vector<double> inflections;
+    const int n = CB::BezierInflectionPoints(a, b, c, roots);
+    for (int i = 0; i < n; ++i)
+        if (roots[i] >= 0 && roots[i] <= 1) inflections.push_back(roots[i]);
+    std::sort(inflections.begin(), inflections.end());
+    for (double t : inflections) {
+        const Point2d q = CB::Evaluate(a, b, c, d, t);
+        panel.dot(q, 4.5, inflection);
+        panel.label(q, "t = " + brief(t), 4, svg::Anchor::Start, 12, inflection.stroke, 10);
+    }
+    const int m = CB::FindCurvatureMinMax(a, b, c, roots);
+    const std::vector<double> extrema(roots, roots + m);
+    for (double t : extrema) panel.dot(CB::Evaluate(a, b, c, d, t), 4, extremum);
+
+    panel.legend(curve, "curve");
+    panel.legend(teeth, "teeth: curvature along the normal");
+    panel.legend(envelope, "comb outline");
+    panel.legend(inflection, "inflection in [0, 1]", true);
+    panel.legend(extremum, "curvature-extremum candidate (speed extremal)", true);
+    return "SafeBezierCurvature comb, max |curvature| " + brief(kMax) + "; inflections at t = " + list(inflections) +
+           "; FindCurvatureMinMax candidates t = " + list(extrema);
+}
+
+// A grid of points, each joined to its closest point on an S-curve. Where the
+// distance is stationary nowhere on [0, 1] (points beyond an end), there is no
+// closest point and the grid point is drawn hollow.
+std::string drawClosest(svg::Panel& panel) {
+    const Style curve{"#1f2937", "none", 2.6, "", 1};
+    const Style join{"#10b981", "none", 1, "", 1};
+    const Style found{"#047857", "#047857", 1, "", 1};
+    const Style failed{"#dc2626", "#ffffff", 1.6, "", 1};
+    const Point2d p[4] = {{0, 0}, {100, 150}, {160, -90}, {260, 60}};
+    const int columns = 14, rows = 6;
+    int ok = 0, none = 0;
+    for (int i = 0; i < columns; ++i) {
+        for (int j = 0; j < rows; ++j) {
+            const Point2d q{-65 + 30.0 * i, -45 + 28.0 * j};
+            double t = 0, dd = 0;
+            Point2d nearest{0, 0};
+            if (CB::FindClosestPointOnBezier(p, q, t, nearest, dd)) {
+                panel.polyline({q, nearest}, join);
+                panel.dot(q, 2.2, found);
+                ++ok;
+            } else {
+                panel.dot(q, 3.2, failed);
+                ++none;
+            }
+        }
+    }
+    panel.path(bezierPath(p), curve);
+    panel.legend(curve, "curve");
+    panel.legend(join, "to the closest point");
+    panel.legend(found, "grid point", true);
+    panel.legend(failed, "no stationary distance on [0, 1]", true);
+    return "FindClosestPointOnBezier on a " + std::to_string(columns) + " x " + std::to_string(rows) +
+           " grid: " + std::to_string(ok) + " found, " + std::to_string(none) +
+           " without a closest point";
+}
+
+// Ten pieces of equal length: the parameters where the length from the start is
+// 10 %, 20 %, ... of the whole, against ten equal steps in t, which bunch where
+// the curve is slow.
+std::string drawEqualLength(svg::Panel& panel) {
+    const Style pieceA{"#2563eb", "none", 4, "", 1};
+    const Style pieceB{"#f59e0b", "none", 4, "", 1};
+    const Style tick{"#111827", "none", 1.6, "", 1};
+    const Style uniform{"#6b7280", "#ffffff", 1.2, "", 1};
+    const Point2d p[4] = {{0, 0}, {10, 110}, {60, 110}, {240, 0}};
+    Point2d a, b, c, d;
+    CB::GetPowerBasis(p, a, b, c, d);
+    const double length = CB::Length(a, b, c, QorMath::LengthAccuracy::Gauss16);
+    std::vector<double> ts{0};
+    for (int i = 1; i < 10; ++i)
+        ts.push_back(CB::GetCurveRelativeLengthParameter(i / 10.0, a, b, c, 1e-9, QorMath::LengthAccuracy::Gauss16));
+    ts.push_back(1);
+    // Each piece measured on its own, a second route to the same lengths.
+    double worst = 0;
+    for (int i = 0; i < 10; ++i) {
+        Point2d piece[4], pa, pb, pc, pd;
+        CB::Subsection(ts[i], ts[i + 1], p, piece);
+        CB::GetPowerBasis(piece, pa, pb, pc, pd);
+        worst = std::max(worst, std::abs(CB::Length(pa, pb, pc, QorMath::LengthAccuracy::Gauss16) - length / 10));
+        panel.path(bezierPath(piece), i % 2 ? pieceB : pieceA);
+    }
+    for (double t : ts) {
+        const Point2d on = CB::Evaluate(a, b, c, d, t);
+        const Vector2d n = leftNormal(t, a, b, c, d) * 7.0;
+        panel.polyline({on - n, on + n}, tick);
+    }
+    for (int i = 1; i < 10; ++i) {
+        const Point2d on = CB::Evaluate(a, b, c, d, i / 10.0);
+        panel.dot(on - leftNormal(i / 10.0, a, b, c, d) * 14.0, 2.6, uniform);
+    }
+    panel.label({120, -10}, "length " + brief(length) + ", each piece " + brief(length / 10), 14, svg::Anchor::Middle,
+                13, "#111827");
+    panel.legend(pieceA, "pieces of equal length");
+    panel.legend(tick, "GetCurveRelativeLengthParameter(0.1 ... 0.9)");
+    panel.legend(uniform, "t = 0.1 ... 0.9, for comparison", true);
+    char dev[32];
+    std::snprintf(dev, sizeof dev, "%.1e", worst);
+    return "ten pieces of length " + brief(length / 10) + " (total " + brief(length) +
+           "), each measured alone within " + dev;
+}
+
 // One entry per family: the key printed in the summary, the panel title, and
 // the function that draws the panel and returns its one-line summary.
-struct PanelSpec {
+struct PanelEntry {
     const char* key;
     const char* title;
     std::string (*draw)(svg::Panel&);
 };
-const PanelSpec kPanels[] = {
+const PanelEntry kPanels[] = {
     {"rectangles", "Rectangles under a matrix and their bounding boxes", drawRectangles},
     {"circles", "Circles under a matrix: axes and bounding box", drawCircles},
     {"split", "Splitting a cubic at t = 0.35 (de Casteljau)", drawSplit},
     {"flatten", "Adaptive flattening at a coarse and a fine tolerance", drawFlatten},
+    {"comb", "Curvature comb, inflections and curvature-extremum candidates", drawComb},
+    {"closest", "Closest points on a cubic from a grid", drawClosest},
+    {"length", "A cubic cut into ten pieces of equal length", drawEqualLength},
 };
 
 }  // namespace

@@ -33,6 +33,7 @@ int main(int argc, char** argv) {
         qtool::addMatrixCommand(app, global),
         qtool::addBBoxCommand(app, global),
         qtool::addSplitCommand(app, global),
+        qtool::addCurveCommand(app, global),
         qtool::addFlattenCommand(app, global),
         qtool::addGalleryCommand(app, global),
     };

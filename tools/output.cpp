@@ -141,7 +141,7 @@ void Output::numbers(const std::string& key, const std::vector<double>& vs) {
         j += (i ? ", " : "") + jsonNumber(vs[i]);
         t += (i ? " " : "") + formatNumber(vs[i]);
     }
-    put(key, j + "]", t);
+    put(key, j + "]", vs.empty() ? "none" : t);
 }
 
 void Output::rect(const std::string& key, double left, double top, double right, double bottom) {

@@ -38,6 +38,7 @@ public:
     /// index "[i]" when indexed.
     void points(const std::string& key, const std::vector<QorMath::Point2d>& ps, size_t perLine = 0,
                 bool indexed = false);
+    /// In text, an empty list reads "none".
     void numbers(const std::string& key, const std::vector<double>& vs);
     void rect(const std::string& key, double left, double top, double right, double bottom);
     void matrix(const std::string& key, const MATRIX& m);

@@ -1,0 +1,25 @@
+#ifndef QORMATH_TOOLS_CUBIC_ARG_H
+#define QORMATH_TOOLS_CUBIC_ARG_H
+
+// One cubic segment given on the command line, shared by the commands that take
+// a single curve.
+
+#include <string>
+#include <vector>
+
+#include "path_data.h"
+
+namespace qtool {
+
+/// Eight numbers "x0 y0 x1 y1 x2 y2 x3 y3" (commas allowed) when the first word
+/// is a number, as `matrix` takes its six; otherwise path data of exactly one
+/// segment. "-" alone reads standard input. command names the caller in the
+/// message when the path data has more or fewer segments.
+Cubic parseCubic(const std::vector<std::string>& words, const std::string& command);
+
+/// Help text of the CURVE argument.
+extern const char* const kCubicHelp;
+
+}  // namespace qtool
+
+#endif
