@@ -343,7 +343,7 @@ std::string drawClosest(svg::Panel& panel) {
     }
     panel.path(bezierPath(p), curve);
     panel.legend(curve, "curve");
-    panel.legend(join, "to the closest point");
+    panel.legend(join, "to the nearest stationary point (ends count only where stationary)");
     panel.legend(found, "grid point", true);
     panel.legend(failed, "no stationary distance on [0, 1]", true);
     return "FindClosestPointOnBezier on a " + std::to_string(columns) + " x " + std::to_string(rows) +
@@ -389,7 +389,7 @@ std::string drawEqualLength(svg::Panel& panel) {
                 13, "#111827");
     panel.legend(pieceA, "pieces of equal length");
     panel.legend(tick, "GetCurveRelativeLengthParameter(0.1 ... 0.9)");
-    panel.legend(uniform, "t = 0.1 ... 0.9, for comparison", true);
+    panel.legend(uniform, "B(t) at t = 0.1 ... 0.9, set beside the curve for comparison", true);
     char dev[32];
     std::snprintf(dev, sizeof dev, "%.1e", worst);
     return "ten pieces of length " + brief(length / 10) + " (total " + brief(length) +
