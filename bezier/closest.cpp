@@ -91,7 +91,7 @@ bool FindClosestPointOnBezier(const Point points[4], const Point& p, double& t, 
 
 bool FindClosestPointOnBezier(const tagPOINT points[4], const tagPOINT& p, double& t, tagPOINT& nearest,
                               double& distanceSquared) {
-    Point q;
+    Point q{};
     if (!ClosestPoint(ToPowerBasis(points), ToDouble(p), t, q, distanceSquared)) return false;
     nearest = Rounded(q);
     return true;
