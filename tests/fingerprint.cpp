@@ -4,7 +4,9 @@
 
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <random>
+#include <vector>
 
 #include <QorMath/QorMath.h>
 
@@ -230,6 +232,63 @@ void Roots(Fingerprint& f) {
     }
 }
 
+// One segment's analysis: curvature, tangents, closest points, length, side, area and
+// mapping, with degenerate segments mixed in. NaN results (inflections of a segment with no
+// t² term) are hashed as one NaN: with two NaN operands of opposite sign, which one survives
+// depends on the operand order a compiler picks for a commutative operation.
+void Analysis(Fingerprint& f) {
+    using namespace CubicBezier;
+    Draw d;
+    std::vector<double> ts, ds;
+    std::vector<vector2dT<double, 1>> pts;
+    std::vector<tagPOINT> ipts;
+    for (int i = 0; i < 2000; ++i) {
+        vector2dT<double, 1> p[4], a{}, b{}, c{}, e{}, n{};
+        tagPOINT ip[4], in{};
+        d.Four(p, [&] { return d.Point(100); });
+        d.Four(ip, [&] { return d.IntPoint(10000); });
+        if (i % 7 == 0) p[1] = p[0], ip[2] = ip[3];                                 // a zero handle
+        if (i % 11 == 0) p[3] = p[2] = p[1] = p[0], ip[3] = ip[2] = ip[1] = ip[0];  // a point
+        const vector2dT<double, 0> v = p[1] - p[0];
+        if (i % 13 == 0) p[2] = p[1] + v, p[3] = p[2] + v;  // straight, the handles evenly spaced
+        const vector2dT<double, 1> q = d.Point(150);
+        const tagPOINT iq = d.IntPoint(15000);
+        const double t = d.In(-0.1, 1.1), u = d.In(-0.1, 1.1), h = d.In(-0.15, 0.15);
+        const auto accuracy = static_cast<LengthAccuracy>(i % 18);
+        GetPowerBasis(p, a, b, c, e);
+        double r[14], k = 0, dd = -1, tc = -1;
+        f.Add(GetCurvatureAt(t, a, b, c, k)), f.Add(k), f.Add(GetCurvatureRadiusAt(t, a, b, c, k)), f.Add(k);
+        f.Add(SafeBezierCurvature(t, a, b, c)), f.Add(SafeBezierTangent(t, a, b, c, e));
+        int m = BezierInflectionPoints(a, b, c, r);
+        f.Add(m);
+        for (int j = 0; j < m; ++j) f.Add(r[j] == r[j] ? r[j] : std::numeric_limits<double>::quiet_NaN());
+        m = FindCurvatureMinMax(a, b, c, r), f.Add(m);
+        for (int j = 0; j < m; ++j) f.Add(r[j]);
+        m = FindTangentsToPoint(a, b, c, e, q, r), f.Add(m);
+        for (int j = 0; j < m; ++j) f.Add(r[j]);
+        ts.clear(), ds.clear(), pts.clear(), ipts.clear();
+        bool everywhere = false;
+        GetVerticalTangents(a, b, c, ts), GetHorizontalTangents(a, b, c, ts);
+        GetParallels(a, b, c, i % 13 ? AsVector(q) : v, ts, everywhere), f.Add(everywhere);
+        f.Add(FindClosestPointOnBezier(a, b, c, e, q, tc, n, dd)), f.Add(tc), f.Add(n), f.Add(dd);
+        f.Add(FindClosestPointOnBezier(ip, iq, tc, in, dd)), f.Add(tc), f.Add(in), f.Add(dd);
+        f.Add(FindClosestPointOnBezier(ip, iq));
+        f.Add(FindClosestPointsOnBezier(p, q, ts, pts, ds)), f.Add(FindClosestPointsOnBezier(ip, iq, ts, ipts, ds));
+        const vector2dT<double, 1> on = Evaluate(a, b, c, e, t);
+        f.Add(Invert(a, b, c, e, {on.x + h, on.y - h}, ts));
+        for (double x : ts) f.Add(x);
+        for (double x : ds) f.Add(x);
+        for (const auto& x : pts) f.Add(x);
+        for (const auto& x : ipts) f.Add(x);
+        f.Add(Length(a, b, c, accuracy));
+        f.Add(GetCurveRelativeLengthParameter(u, a, b, c, i % 2 ? 1e-6 : 0, accuracy));
+        f.Add(LengthTo(t, p)), f.Add(LengthFrom(t, p)), f.Add(LengthTo(u, ip)), f.Add(LengthFrom(u, ip));
+        Side side = Side::SideNone;
+        f.Add(GetSide(a, b, c, e, q, tc, n, dd, side)), f.Add(tc), f.Add(n), f.Add(dd), f.Add(side);
+        f.Add(GetSide(a, b, c, e, on)), f.Add(GetAreaUnderBezier(a, b, c, e)), f.Add(MapToBezier(p, t, h * 100, u));
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -237,7 +296,8 @@ int main() {
         const char* name;
         void (*run)(Fingerprint&);
     } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds},
-                    {"bezier", Bezier},  {"flatten", Flatten}, {"roots", Roots}};
+                    {"bezier", Bezier},  {"flatten", Flatten}, {"roots", Roots},
+                    {"analysis", Analysis}};
     for (const auto& family : families) {
         Fingerprint f;
         family.run(f);
