@@ -2,6 +2,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <limits>
 
 #include "QorMath/bezier.h"
 #include "bezier/power_basis.h"
@@ -29,7 +30,9 @@ bool GetSide(const Point& a, const Point& b, const Point& c, const Point& d, con
 }
 
 Side GetSide(const Point& a, const Point& b, const Point& c, const Point& d, const Point& p) {
-    double t = 0, distanceSquared = 0;
+    // t starts outside [0, 1]: a closest-point search whose every distance
+    // overflows reports success without setting t, and must not classify.
+    double t = std::numeric_limits<double>::quiet_NaN(), distanceSquared = 0;
     Point nearest{};
     Side side = Side::SideNone;
     return GetSide(a, b, c, d, p, t, nearest, distanceSquared, side) ? side : Side::SideNone;

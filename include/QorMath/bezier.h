@@ -105,6 +105,9 @@ QORMATH_API bool From3Points(tagPOINT out[4], const vector2dT<double, 1>& A, con
 // GetPowerBasis (typed as points) unless they say otherwise. Functions filling a
 // std::vector append to it and never clear it. Root arrays (double*) must hold
 // the solver's maximum: 7 for FindTangentsToPoint, 13 for FindCurvatureMinMax.
+// Parameters found as polynomial roots are in the stated range except near a
+// double root: there the solver's double-root probe can return a root of the
+// derivative just outside [0, 1] in its place. Filter where the range matters.
 
 /// Signed curvature (x′y″ − y′x″)/|B′|³ at t, positive where the curve turns
 /// counter-clockwise (y up). False at zero speed, curvature untouched.
