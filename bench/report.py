@@ -7,8 +7,9 @@ of the same Family/type. A time ratio ours/peer below 1 means QorMath is faster
 than that peer (column "time o/p"). Counters that the cases carry are shown for
 both sides: lines (lines per curve, with its ratio ours/peer, "lines o/p"),
 max_dev and over_d (deviation from the curve), and the root-finding agreement
-(roots per polynomial, missed, extra, max_err). Cases without a counterpart are
-listed after each table.
+(roots per polynomial, missed, extra, max_err), the analysis accuracy (mean_err, med_err,
+max_err, the peer's matched tol; closest-point agree, end_miss, other_miss,
+pair). One table per Family; cases without a counterpart are listed after it.
 
   report.py build/bench/bench_matrix build/bench/bench_flatten ... [--min-time 0.2] [--filter REGEX]
   report.py results.json          (the output of --benchmark_format=json)
@@ -31,6 +32,13 @@ COUNTERS = [
     ("missed", "%d", False),
     ("extra", "%d", False),
     ("max_err", "%.1e", False),
+    ("mean_err", "%.1e", False),
+    ("med_err", "%.1e", False),
+    ("tol", "%.3g", False),
+    ("agree", "%.4f", False),
+    ("end_miss", "%d", False),
+    ("other_miss", "%d", False),
+    ("pair", "%.4f", False),
 ]
 
 NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -99,7 +107,7 @@ def print_table(table):
 def report(title, rows):
     print("== %s" % title)
     ours_rows = [b for (case, impl), b in rows.items() if is_ours(impl)]
-    counters = [c for c in COUNTERS if any(c[0] in b for b in ours_rows)]
+    counters = [c for c in COUNTERS if any(c[0] in b for b in rows.values())]
     gbs = any("bytes_per_second" in b for b in ours_rows)
 
     head = ["case", "ours", "peer", "time ours", "time peer", "time o/p"]
@@ -149,7 +157,12 @@ def main():
     args = ap.parse_args()
 
     for source in args.sources:
-        report(os.path.basename(source), per_case(load(source, args)))
+        # One table per Family, so that each shows only the counters it carries.
+        families = OrderedDict()
+        for (case, impl), b in per_case(load(source, args)).items():
+            families.setdefault(case.split("/")[0], OrderedDict())[(case, impl)] = b
+        for family, rows in families.items():
+            report("%s: %s" % (os.path.basename(source), family), rows)
     return 0
 
 
