@@ -78,6 +78,25 @@ inline MATRIX RandomMatrix(std::mt19937& rng, double minDet = 0) {
     }
 }
 
+/// A segment's power-basis coefficients, as the analysis functions take them.
+struct Basis {
+    QorMath::Point2d a, b, c, d;
+    explicit Basis(const QorMath::Point2d p[4]) { QorMath::CubicBezier::GetPowerBasis(p, a, b, c, d); }
+};
+
+/// B(t), or B′(t) when slope is set, by the Bernstein weights in long double: a
+/// second evaluation independent of the library's power basis and Horner rule.
+struct LongPoint {
+    long double x, y;
+};
+inline LongPoint BernsteinAt(const QorMath::Point2d p[4], long double t, bool slope = false) {
+    const long double s = 1 - t, w[2][4] = {{s * s * s, 3 * s * s * t, 3 * s * t * t, t * t * t},
+                                            {-3 * s * s, 3 * s * (s - 2 * t), 3 * t * (2 * s - t), 3 * t * t}};
+    LongPoint r{0, 0};
+    for (int i = 0; i < 4; ++i) r.x += w[slope][i] * p[i].x, r.y += w[slope][i] * p[i].y;
+    return r;
+}
+
 }  // namespace qtest
 
 #endif

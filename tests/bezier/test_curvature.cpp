@@ -32,10 +32,7 @@ Jet At(const P p[4], LD t) {
         j.x1 += w[0][i] * p[i].x, j.y1 += w[0][i] * p[i].y, j.x2 += w[1][i] * p[i].x, j.y2 += w[1][i] * p[i].y;
     return j;
 }
-struct Basis {
-    P a, b, c, d;
-    explicit Basis(const P p[4]) { GetPowerBasis(p, a, b, c, d); }
-};
+using qtest::Basis;
 bool RelNear(LD got, LD want, LD rel) { return std::fabs(got - want) <= rel * std::fabs(want); }
 
 }  // namespace

@@ -15,21 +15,9 @@ namespace {
 using P = Point2d;
 using LD = long double;
 
-// B(t), or B′(t) when slope is set, by the Bernstein weights in long double.
-struct LP {
-    LD x, y;
-};
-LP At(const P p[4], LD t, bool slope = false) {
-    const LD s = 1 - t, w[2][4] = {{s * s * s, 3 * s * s * t, 3 * s * t * t, t * t * t},
-                                   {-3 * s * s, 3 * s * (s - 2 * t), 3 * t * (2 * s - t), 3 * t * t}};
-    LP r{0, 0};
-    for (int i = 0; i < 4; ++i) r.x += w[slope][i] * p[i].x, r.y += w[slope][i] * p[i].y;
-    return r;
-}
-struct Basis {
-    P a, b, c, d;
-    explicit Basis(const P p[4]) { GetPowerBasis(p, a, b, c, d); }
-};
+using LP = qtest::LongPoint;
+LP At(const P p[4], LD t, bool slope = false) { return qtest::BernsteinAt(p, t, slope); }
+using qtest::Basis;
 double Area(const P p[4]) {
     const Basis B(p);
     return GetAreaUnderBezier(B.a, B.b, B.c, B.d);

@@ -29,10 +29,7 @@ LP At(const P p[4], LD t, bool slope = false) {
     for (int i = 0; i < 4; ++i) r.x += w[slope][i] * p[i].x, r.y += w[slope][i] * p[i].y;
     return r;
 }
-struct Basis {
-    P a, b, c, d;
-    explicit Basis(const P p[4]) { GetPowerBasis(p, a, b, c, d); }
-};
+using qtest::Basis;
 
 // The t in (0, 1), or [0, 1] when closed, where B′ × v = 0: a quadratic from the control-point
 // differences, solved in long double; the sentinel −7 first, as the outputs are pre-filled.
