@@ -8,11 +8,11 @@
 // failure; appended parameters in range and ascending, the vectors' earlier
 // contents kept; the exact end values of the length functions.
 
-#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "QorMath/bezier.h"
@@ -68,23 +68,11 @@ public:
 };
 
 template <typename T>
-bool Same(const T& x, const T& y) {  // bitwise, so NaN matches NaN
-    return std::memcmp(&x, &y, sizeof(T)) == 0;
-}
-
-bool Finite(const P* p, int n) {
-    for (int i = 0; i < n; ++i)
-        if (!std::isfinite(p[i].x) || !std::isfinite(p[i].y)) return false;
-    return true;
-}
-
-// NaN passes: only a number outside [lo, hi] fails.
-bool Within(double v, double lo, double hi) { return !(v < lo) && !(v > hi); }
+bool Same(const T& x, const T& y) { return std::memcmp(&x, &y, sizeof(T)) == 0; }  // bitwise: NaN matches NaN
+bool Within(double v, double lo, double hi) { return !(v < lo) && !(v > hi); }      // NaN passes
 
 constexpr int kGuards = 4;
-constexpr double kGuard = -98765.4321;
-constexpr double kMarker = 123.25;
-constexpr double kInf = qfuzz::ByteReader::kInf;
+constexpr double kGuard = -98765.4321, kMarker = 123.25, kInf = qfuzz::ByteReader::kInf;
 // The root arrays and vectors filled by the solvers of degree 3 and up are not
 // held to [0, 1] nor to ascending order: their Newton probe for a double root
 // starts just left of 0 and may land on a root of p′ outside. So a curve whose
@@ -94,37 +82,74 @@ constexpr double kInf = qfuzz::ByteReader::kInf;
 // FindTangentsToPoint. Only the quadratic ones (vertical, horizontal, parallel)
 // are checked for range and order.
 
-// Room for `capacity` roots and guards after it that must survive.
-struct Roots {
-    explicit Roots(int capacity) : n(capacity), r(size_t(capacity + kGuards), kGuard) {}
-    double* data() { return r.data(); }
-    void Check(int count) const {
-        CHECK(count >= 0 && count <= n);
-        for (int i = n; i < n + kGuards; ++i) CHECK(Same(r[size_t(i)], kGuard));
-    }
-    int n;
-    std::vector<double> r;
-};
+// solve(out) with room for `capacity` roots and guards after it: the count is
+// within the capacity and the guards survive.
+template <typename F>
+int Roots(int capacity, F solve) {
+    std::vector<double> r(size_t(capacity + kGuards), kGuard);
+    const int count = solve(r.data());
+    CHECK(count >= 0 && count <= capacity);
+    for (int i = capacity; i < capacity + kGuards; ++i) CHECK(Same(r[size_t(i)], kGuard));
+    return count;
+}
 
-// A vector that held a marker before the call: kept, and what was appended is
-// in [lo, hi] (NaN aside), at most `most` values, ascending if `sorted` (the
-// quadratic solver's roots; a probed double root of the higher degrees comes
-// after the others, wherever it lies).
-void CheckAppended(const std::vector<double>& v, size_t before, size_t most, double lo, double hi,
-                   bool sorted = true) {
+// fill(v) on a vector holding `before` markers, returning how many values it
+// may append: the markers are kept, and what was appended is in [lo, hi] (NaN
+// aside), ascending if `sorted` (the quadratic solver's roots; a probed double
+// root of the higher degrees comes after the others, wherever it lies).
+template <typename F>
+void Appended(size_t before, F fill, double lo = 0, double hi = 1, bool sorted = true) {
+    std::vector<double> v(before, kMarker);
+    const size_t most = fill(v);
     CHECK(v.size() >= before && v.size() - before <= most);
     for (size_t i = 0; i < before; ++i) CHECK(Same(v[i], kMarker));
-    for (size_t i = before; i < v.size(); ++i) {
-        CHECK(Within(v[i], lo, hi));
-        CHECK(!sorted || i == before || !(v[i] < v[i - 1]));
+    for (size_t i = before; i < v.size(); ++i) CHECK(Within(v[i], lo, hi) && (!sorted || i == before || !(v[i] < v[i - 1])));
+}
+
+// call(t, nearest, dd) on outputs holding markers: on failure they are left untouched.
+template <typename Pt>
+struct Nearest {
+    template <typename F>
+    Nearest(const Pt& kept, F call) : at(kept), ok(call(t, at, dd)) {
+        if (!ok) CHECK(Same(t, kMarker) && Same(dd, kMarker) && Same(at, kept));
     }
+    double t = kMarker, dd = kMarker;
+    Pt at;
+    bool ok;
+};
+
+// The closest-point forms taking control points, double or integer: one result
+// as above; all stationary points appended after `before` entries, the three
+// vectors growing alike.
+template <typename Pt>
+void ClosestForms(const Pt pts[4], const Pt& p, size_t before, const Pt& kept) {
+    const Nearest<Pt> one(kept, [&](double& t, Pt& at, double& dd) { return FindClosestPointOnBezier(pts, p, t, at, dd); });
+    if constexpr (std::is_same_v<Pt, tagPOINT>) {
+        if (one.ok) CHECK(std::isfinite(one.t) && !(one.dd < 0));
+        CHECK(std::isfinite(FindClosestPointOnBezier(pts, p)));
+    }
+    Appended(before, [&](std::vector<double>& ts) {
+        std::vector<double> dds(before, kMarker);
+        std::vector<Pt> points(before, kept);
+        const bool any = FindClosestPointsOnBezier(pts, p, ts, points, dds);
+        CHECK(any == (ts.size() > before) && points.size() == ts.size() && dds.size() == ts.size());
+        return 7;
+    }, -kInf, kInf, false);
+}
+// The length functions' ends are exact zeros; the pieces of a reversed or
+// extrapolated range integrate over [0, 1] too, so only NaN parameters are
+// excused from a non-negative length.
+template <typename Pt>
+void LengthEnds(const Pt pts[4], double u) {
+    CHECK(LengthTo(0.0, pts) == 0.0 && LengthFrom(1.0, pts) == 0.0);
+    CHECK(!(LengthTo(u, pts) < 0) && !(LengthFrom(u, pts) < 0));
 }
 
 // The curve as control points and in power basis; the basis either from the
 // points or read directly (so that a may be large while b, c are tiny, etc.).
 struct Curve {
     P pts[4], a, b, c, d;
-    bool finite;
+    bool finite = true;
     explicit Curve(Input& in) {
         in.Curve(pts);
         if (in.Byte() & 1) {
@@ -132,154 +157,87 @@ struct Curve {
         } else {
             GetPowerBasis(pts, a, b, c, d);
         }
-        const P basis[4] = {a, b, c, d};
-        finite = Finite(basis, 4);
+        for (const P& v : {a, b, c, d}) finite = finite && std::isfinite(v.x) && std::isfinite(v.y);
     }
 };
 
-// ---- curvature, inflections, curvature extrema ------------------------------------
-
 void Curvature(Input& in, const Curve& k) {
     const double t = in.T();
-    double curvature = kMarker;
+    double curvature = kMarker, radius = kMarker;
     if (!GetCurvatureAt(t, k.a, k.b, k.c, curvature)) CHECK(Same(curvature, kMarker));
-    double radius = kMarker;
     if (!GetCurvatureRadiusAt(t, k.a, k.b, k.c, radius)) CHECK(radius == DBL_MAX || radius == -DBL_MAX);
     (void)SafeBezierCurvature(t, k.a, k.b, k.c);
-
-    Roots inflections(2);
-    const int n = BezierInflectionPoints(k.a, k.b, k.c, inflections.data());
-    inflections.Check(n);
+    const int n = Roots(2, [&](double* out) { return BezierInflectionPoints(k.a, k.b, k.c, out); });
     CHECK(n == 0 || n == 2);
-
-    Roots extrema(13);
-    const int m = FindCurvatureMinMax(k.a, k.b, k.c, extrema.data());
-    extrema.Check(m);
+    Roots(13, [&](double* out) { return FindCurvatureMinMax(k.a, k.b, k.c, out); });
 }
-
-// ---- tangents ----------------------------------------------------------------------
 
 void Tangents(Input& in, const Curve& k) {
     const V tangent = SafeBezierTangent(in.T(), k.a, k.b, k.c, k.d);
     CHECK(!(tangent.x == 0 && tangent.y == 0));
-
     const size_t before = in.Byte() % 3;
-    std::vector<double> v(before, kMarker);
-    GetVerticalTangents(k.a, k.b, k.c, v);
-    CheckAppended(v, before, 2, 0, 1);
-    v.assign(before, kMarker);
-    GetHorizontalTangents(k.a, k.b, k.c, v);
-    CheckAppended(v, before, 2, 0, 1);
-
+    for (auto axis : {&GetVerticalTangents, &GetHorizontalTangents})
+        Appended(before, [&](std::vector<double>& v) { return axis(k.a, k.b, k.c, v), 2; });
     const V direction{in.D(), in.D()};
-    v.assign(before, kMarker);
     bool everywhere = in.Byte() & 1;
-    GetParallels(k.a, k.b, k.c, direction, v, everywhere);
-    CheckAppended(v, before, everywhere ? 0 : 2, 0, 1);
-
-    Roots roots(7);
-    const int n = FindTangentsToPoint(k.a, k.b, k.c, k.d, in.Pt(), roots.data());
-    roots.Check(n);
+    Appended(before, [&](std::vector<double>& v) {
+        GetParallels(k.a, k.b, k.c, direction, v, everywhere);
+        return everywhere ? 0 : 2;
+    });
+    const P x = in.Pt();
+    Roots(7, [&](double* out) { return FindTangentsToPoint(k.a, k.b, k.c, k.d, x, out); });
 }
 
-// ---- closest point and inversion -------------------------------------------------
-
 void Closest(Input& in, const Curve& k) {
-    const P p = in.Pt();
-    const bool finite = k.finite && std::isfinite(p.x) && std::isfinite(p.y);
-    const P kept{kMarker, -kMarker};
-    double t = kMarker, dd = kMarker;
-    P nearest = kept;
-    if (FindClosestPointOnBezier(k.a, k.b, k.c, k.d, p, t, nearest, dd)) {
-        // A root is taken only while its squared distance is below the last,
-        // which starts at DBL_MAX: when every one overflows (or is NaN) the call
-        // still succeeds, with t and nearest untouched and DBL_MAX.
-        const bool noneBelowMax = Same(t, kMarker) && Same(nearest, kept) && dd == DBL_MAX;
-        if (finite && !noneBelowMax) CHECK(std::isfinite(t) && !(dd < 0));
-    } else {
-        CHECK(Same(t, kMarker) && Same(dd, kMarker) && Same(nearest, kept));
-    }
-    t = kMarker, dd = kMarker, nearest = kept;
-    if (!FindClosestPointOnBezier(k.pts, p, t, nearest, dd))
-        CHECK(Same(t, kMarker) && Same(dd, kMarker) && Same(nearest, kept));
-
+    const P p = in.Pt(), kept{kMarker, -kMarker};
+    const Nearest<P> basis(kept, [&](double& t, P& at, double& dd) { return FindClosestPointOnBezier(k.a, k.b, k.c, k.d, p, t, at, dd); });
+    // A root is taken only while its squared distance is below the last, which
+    // starts at DBL_MAX: when every one overflows (or is NaN) the call still
+    // succeeds, with t and nearest untouched and DBL_MAX.
+    const bool noneBelowMax = Same(basis.t, kMarker) && Same(basis.at, kept) && basis.dd == DBL_MAX;
+    if (basis.ok && k.finite && std::isfinite(p.x) && std::isfinite(p.y) && !noneBelowMax)
+        CHECK(std::isfinite(basis.t) && !(basis.dd < 0));
     const size_t before = in.Byte() % 2;
-    std::vector<double> ts(before, kMarker), dds(before, kMarker);
-    std::vector<P> points(before, kept);
-    const bool any = FindClosestPointsOnBezier(k.pts, p, ts, points, dds);
-    CHECK(any == (ts.size() > before) && points.size() == ts.size() && dds.size() == ts.size());
-    CheckAppended(ts, before, 7, -kInf, kInf, false);
-
-    std::vector<double> out(before, kMarker);
-    const bool inverted = Invert(k.a, k.b, k.c, k.d, p, out);
-    CHECK(inverted == !out.empty());
-    CheckAppended(out, before, 1, 0, 1);
+    ClosestForms(k.pts, p, before, kept);
+    Appended(before, [&](std::vector<double>& v) {
+        const bool inverted = Invert(k.a, k.b, k.c, k.d, p, v);
+        return CHECK(inverted == !v.empty()), 1;
+    });
 }
 
 void ClosestInteger(Input& in) {
     tagPOINT pts[4];
     in.Curve(pts);
-    const tagPOINT p = in.IPt(), kept{12345, -12345};
-    double t = kMarker, dd = kMarker;
-    tagPOINT nearest = kept;
-    if (FindClosestPointOnBezier(pts, p, t, nearest, dd)) {
-        CHECK(std::isfinite(t) && !(dd < 0));
-    } else {
-        CHECK(Same(t, kMarker) && Same(dd, kMarker) && Same(nearest, kept));
-    }
-    CHECK(std::isfinite(FindClosestPointOnBezier(pts, p)));
-
-    std::vector<double> ts, dds;
-    std::vector<tagPOINT> points;
-    const bool any = FindClosestPointsOnBezier(pts, p, ts, points, dds);
-    CHECK(any == !ts.empty() && points.size() == ts.size() && dds.size() == ts.size());
-    CheckAppended(ts, 0, 7, -kInf, kInf, false);
-
-    const double u = in.T();
-    CHECK(LengthTo(0.0, pts) == 0.0 && LengthFrom(1.0, pts) == 0.0);
-    CHECK(!(LengthTo(u, pts) < 0) && !(LengthFrom(u, pts) < 0));
+    const tagPOINT p = in.IPt();
+    ClosestForms(pts, p, 0, tagPOINT{12345, -12345});
+    LengthEnds(pts, in.T());
 }
-
-// ---- length -----------------------------------------------------------------------
 
 void Lengths(Input& in, const Curve& k) {
     const LengthAccuracy accuracy = in.Accuracy();
     CHECK(!(Length(k.a, k.b, k.c, accuracy) < 0));
-    const double u = in.T();
-    CHECK(LengthTo(0.0, k.pts) == 0.0 && LengthFrom(1.0, k.pts) == 0.0);
-    // The pieces of a reversed or extrapolated range integrate over [0, 1] too,
-    // so only NaN parameters are excused from a non-negative length.
-    CHECK(!(LengthTo(u, k.pts) < 0) && !(LengthFrom(u, k.pts) < 0));
-
+    LengthEnds(k.pts, in.T());
     const double fraction = in.Byte() < 200 ? in.T() : in.D();
     const double tolerance = in.Byte() & 1 ? 1e-9 : in.D();
     const double t = GetCurveRelativeLengthParameter(fraction, k.a, k.b, k.c, tolerance, accuracy);
-    if (fraction <= 0) CHECK(t == 0.0);
-    if (fraction >= 1) CHECK(t == 1.0);
-    CHECK(Within(t, 0, 1));
+    CHECK(Within(t, 0, 1) && (!(fraction <= 0) || t == 0.0) && (!(fraction >= 1) || t == 1.0));
 }
-
-// ---- side, area, mapping ---------------------------------------------------------
 
 void SideAreaMap(Input& in, const Curve& k) {
     const P p = in.Pt();
-    double t = kMarker, dd = kMarker;
-    P nearest{kMarker, kMarker};
     // Whether the closest point is one at all: see Closest on squared distances
     // that all overflow. Then the five-output form sees the caller's t (here
     // outside [0, 1], so it fails), the one-result form its own starting values.
-    const bool found = FindClosestPointOnBezier(k.a, k.b, k.c, k.d, p, t, nearest, dd) && !Same(t, kMarker);
-    t = kMarker, dd = kMarker, nearest = {kMarker, kMarker};
+    const Nearest<P> n({kMarker, kMarker}, [&](double& t, P& at, double& dd) { return FindClosestPointOnBezier(k.a, k.b, k.c, k.d, p, t, at, dd); });
+    const bool found = n.ok && !Same(n.t, kMarker);
+    double t = kMarker, dd = kMarker;
+    P nearest{kMarker, kMarker};
     Side side = static_cast<Side>(7);
     const bool ok = GetSide(k.a, k.b, k.c, k.d, p, t, nearest, dd, side);
     const Side single = GetSide(k.a, k.b, k.c, k.d, p);
     CHECK(single == Side::SideNone || single == Side::SideLeft || single == Side::SideRight);
-    if (ok) {
-        CHECK(found && Within(t, 0, 1) && single == side);
-    } else {
-        CHECK(side == static_cast<Side>(7));
-        if (found) CHECK(single == Side::SideNone);
-    }
+    if (ok) CHECK(found && Within(t, 0, 1) && single == side);
+    if (!ok) CHECK(side == static_cast<Side>(7) && (!found || single == Side::SideNone));
     (void)GetAreaUnderBezier(k.a, k.b, k.c, k.d);
     (void)MapToBezier(k.pts, in.T(), in.D(), in.D());
 }
@@ -287,6 +245,7 @@ void SideAreaMap(Input& in, const Curve& k) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static void (*const ops[])(Input&, const Curve&) = {Curvature, Tangents, Closest, Lengths, SideAreaMap};
     Input in(data, size);
     for (int op = 0; op < 16 && in.Left() > 0; ++op) {
         const uint8_t which = in.Byte() % 7;
@@ -295,20 +254,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             continue;
         }
         const Curve k(in);
-        switch (which) {
-            case 0: Curvature(in, k); break;
-            case 1: Tangents(in, k); break;
-            case 2: Closest(in, k); break;
-            case 3: Lengths(in, k); break;
-            case 4: SideAreaMap(in, k); break;
-            default:  // everything on one curve
-                Curvature(in, k);
-                Tangents(in, k);
-                Closest(in, k);
-                Lengths(in, k);
-                SideAreaMap(in, k);
-                break;
-        }
+        if (which < 5) ops[which](in, k);
+        else for (auto f : ops) f(in, k);  // everything on one curve
     }
     return 0;
 }

@@ -9,6 +9,7 @@
 
 using namespace QorMath;
 using namespace QorMath::CubicBezier;
+using qtest::Basis;
 using qtest::SameBits;
 
 namespace {
@@ -22,17 +23,10 @@ struct Stat {
     LD x, y, f, df, d2;
 };
 Stat At(const P p[4], P q, LD t) {
-    const LD s = 1 - t;
-    LD v[2][3];  // per coordinate: value, first and second derivative
-    for (int k = 0; k < 2; ++k) {
-        const auto c = [&](int i) -> LD { return k ? p[i].y : p[i].x; };
-        v[k][0] = s * s * s * c(0) + 3 * s * s * t * c(1) + 3 * s * t * t * c(2) + t * t * t * c(3) - (k ? q.y : q.x);
-        v[k][1] = 3 * (s * s * (c(1) - c(0)) + 2 * s * t * (c(2) - c(1)) + t * t * (c(3) - c(2)));
-        v[k][2] = 6 * (s * (c(2) - 2 * c(1) + c(0)) + t * (c(3) - 2 * c(2) + c(1)));
-    }
-    return {v[0][0] + q.x, v[1][0] + q.y, v[0][0] * v[0][1] + v[1][0] * v[1][1],
-            v[0][1] * v[0][1] + v[1][1] * v[1][1] + v[0][0] * v[0][2] + v[1][0] * v[1][2],
-            v[0][0] * v[0][0] + v[1][0] * v[1][0]};
+    const qtest::LongPoint b = qtest::BernsteinAt(p, t), d = qtest::BernsteinAt(p, t, true);
+    const LD ex = b.x - q.x, ey = b.y - q.y, s = 1 - t;
+    const auto dd = [&](double P::*c) { return 6 * (s * (p[2].*c - 2 * p[1].*c + p[0].*c) + t * (p[3].*c - 2 * p[2].*c + p[1].*c)); };
+    return {b.x, b.y, ex * d.x + ey * d.y, d.x * d.x + d.y * d.y + ex * dd(&P::x) + ey * dd(&P::y), ex * ex + ey * ey};
 }
 
 // The minimum distance over [0, 1]: dense sampling, then Newton on f from the best sample.
@@ -68,21 +62,22 @@ std::vector<LD> Stationary(const P p[4], P q) {
 }
 
 tagPOINT Round(P v) { return {static_cast<int>(std::lround(v.x)), static_cast<int>(std::lround(v.y))}; }
-void Basis(const P p[4], P (&k)[4]) { GetPowerBasis(p, k[0], k[1], k[2], k[3]); }
 
 }  // namespace
 
-TEST(BezierClosest, NearestAgreesWithDenseSampling) {
+TEST(BezierClosest, RandomCurvesAgainstLongDouble) {
+    // Per curve: the nearest point against dense sampling and Newton; every stationary point, minima and
+    // maxima alike, in t order after what the vectors held; the integer forms against the double ones.
     std::mt19937 rng(5);
-    int interior = 0;
+    int interior = 0, compared = 0;
     for (int i = 0; i < 1500; ++i) {
-        P p[4], k[4], q = qtest::RandomPoint(rng), n{}, n2{}, dp[4];
+        P p[4], q = qtest::RandomPoint(rng), n{}, n2{}, dp[4];
         tagPOINT ip[4], iq = Round(q), in{};
-        for (int j = 0; j < 4; ++j) p[j] = qtest::RandomPoint(rng), ip[j] = Round({p[j].x * 3, p[j].y * 3});
-        for (int j = 0; j < 4; ++j) dp[j] = {1. * ip[j].x, 1. * ip[j].y};
-        Basis(p, k);
+        for (int j = 0; j < 4; ++j)
+            p[j] = qtest::RandomPoint(rng), ip[j] = Round({p[j].x * 3, p[j].y * 3}), dp[j] = {1. * ip[j].x, 1. * ip[j].y};
+        const Basis B(p);
         double t = -1, dd = -1, t2 = -1, dd2 = -1;
-        const bool ok = FindClosestPointOnBezier(k[0], k[1], k[2], k[3], q, t, n, dd);
+        const bool ok = FindClosestPointOnBezier(B.a, B.b, B.c, B.d, q, t, n, dd);
         EXPECT_EQ(FindClosestPointOnBezier(p, q, t2, n2, dd2), ok);
         EXPECT_TRUE(SameBits(t, t2) && SameBits(n, n2) && SameBits(dd, dd2)) << i;
         LD rt;
@@ -95,118 +90,94 @@ TEST(BezierClosest, NearestAgreesWithDenseSampling) {
         }
         if (ok) {  // a stationary point of the curve in [0, 1], never nearer than the true minimum
             const Stat at = At(p, q, t);
-            EXPECT_TRUE(t >= 0 && t <= 1 && std::fabs(at.x - n.x) < 1e-12 && std::fabs(at.y - n.y) < 1e-12) << i;
-            EXPECT_NEAR(dd, double(at.d2), tol) << i;
-            EXPECT_GE(dd, double(ref.d2) - tol) << i;
+            EXPECT_TRUE(t >= 0 && t <= 1 && qtest::Near(n, P{double(at.x), double(at.y)}, 1e-12)) << i;
+            EXPECT_TRUE(std::fabs(dd - double(at.d2)) <= tol && dd >= double(ref.d2) - tol) << i << ' ' << dd;
         }
-        // The integer form computes in doubles: nearest rounded half away from zero, the distance that
-        // of the unrounded point; the t-returning form gives the same t.
+        const std::vector<LD> all = Stationary(p, q);
+        std::vector<double> ts{-1}, ds{-1}, its{-1}, ids{-1};
+        std::vector<P> pts{{}};
+        std::vector<tagPOINT> ipts{{}};
+        const bool any = FindClosestPointsOnBezier(p, q, ts, pts, ds);
+        EXPECT_TRUE(ts[0] == -1 && ds[0] == -1);
+        if (all.empty() || all[0] >= 0) {
+            ++compared;
+            ASSERT_TRUE(any == !all.empty() && ts.size() == all.size() + 1 && pts.size() == ts.size() && ds.size() == ts.size()) << i;
+            for (size_t j = 0; j < all.size(); ++j) {
+                const Stat at = At(p, q, all[j]);
+                EXPECT_TRUE(std::fabs(ts[j + 1] - double(all[j])) < 1e-9 && qtest::Near(pts[j + 1], P{double(at.x), double(at.y)}, 1e-8) &&
+                            std::fabs(ds[j + 1] - double(at.d2)) < 1e-8 * (1 + double(at.d2))) << i << ' ' << j;
+            }
+        }
+        // The integer forms compute in doubles: the parameters of the double forms, the points rounded half
+        // away from zero, the distance that of the unrounded point (one result) or of the rounded ones (all).
+        const P dq{1. * iq.x, 1. * iq.y};
         const bool iok = FindClosestPointOnBezier(ip, iq, t, in, dd);
-        EXPECT_EQ(FindClosestPointOnBezier(dp, P{1. * iq.x, 1. * iq.y}, t2, n2, dd2), iok) << i;
-        if (iok) {
-            EXPECT_TRUE(SameBits(t, t2) && SameBits(dd, dd2) && qtest::Same(&in, {Round(n2)})) << i;
-            EXPECT_TRUE(SameBits(FindClosestPointOnBezier(ip, iq), t)) << i;
+        EXPECT_EQ(FindClosestPointOnBezier(dp, dq, t2, n2, dd2), iok) << i;
+        EXPECT_TRUE(!iok || (SameBits(t, t2) && SameBits(dd, dd2) && qtest::Same(&in, {Round(n2)}) &&
+                             SameBits(FindClosestPointOnBezier(ip, iq), t))) << i;
+        ts = {}, pts = {}, ds = {};
+        EXPECT_EQ(FindClosestPointsOnBezier(ip, iq, its, ipts, ids), FindClosestPointsOnBezier(dp, dq, ts, pts, ds));
+        ASSERT_TRUE(its.size() == ts.size() + 1 && ipts.size() == its.size() && ids.size() == its.size()) << i;
+        for (size_t j = 0; j < ts.size(); ++j) {
+            const tagPOINT r = Round(pts[j]);
+            EXPECT_TRUE(SameBits(its[j + 1], ts[j]) && qtest::Same(&ipts[j + 1], {r}) &&
+                        ids[j + 1] == double(r.x - iq.x) * (r.x - iq.x) + double(r.y - iq.y) * (r.y - iq.y)) << i;
         }
     }
     EXPECT_GT(interior, 500);
+    EXPECT_GT(compared, 1000);
 }
 
 TEST(BezierClosest, EdgeCases) {
     const P s[4] = {{0, 0}, {1, 2}, {2, -2}, {3, 0}}, arch[4] = {{0, 0}, {0, 1}, {1, 1}, {1, 0}};
     const P flat[4] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}}, dot[4] = {{2, 2}, {2, 2}, {2, 2}, {2, 2}};
-    P k[4], n{9, 9};
+    const Basis B(s);  // on the curve at 0.3 of an S
+    P n{9, 9};
     double t = 7, dd = -1;
-    Basis(s, k);  // on the curve at 0.3 of an S
-    EXPECT_TRUE(FindClosestPointOnBezier(s, Evaluate(k[0], k[1], k[2], k[3], 0.3), t, n, dd));
+    EXPECT_TRUE(FindClosestPointOnBezier(s, Evaluate(B.a, B.b, B.c, B.d, 0.3), t, n, dd));
     EXPECT_TRUE(std::fabs(t - 0.3) < 1e-9 && dd < 1e-24) << t << " " << dd;
     // From (0.5, 0) the arch's ends are stationary and equally near (exactly 0.25): the smaller t wins.
     EXPECT_TRUE(FindClosestPointOnBezier(arch, {0.5, 0}, t, n, dd));
     EXPECT_TRUE(t == 0 && n == arch[0] && dd == 0.25) << t;
     // No stationary point (a point; the projection beyond an end): false, outputs untouched.
     t = 7, n = {9, 9}, dd = -1;
-    EXPECT_FALSE(FindClosestPointOnBezier(dot, {5, 1}, t, n, dd));
-    EXPECT_FALSE(FindClosestPointOnBezier(flat, {5, 1}, t, n, dd));
-    EXPECT_TRUE(t == 7 && n.x == 9 && n.y == 9 && dd == -1);
-    const tagPOINT idot[4] = {{2, 2}, {2, 2}, {2, 2}, {2, 2}}, iflat[4] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}};
-    const tagPOINT iarch[4] = {{0, 0}, {0, 2}, {2, 2}, {2, 0}};
+    const tagPOINT idot[4] = {{2, 2}, {2, 2}, {2, 2}, {2, 2}}, iflat[4] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}},
+                   iarch[4] = {{0, 0}, {0, 2}, {2, 2}, {2, 0}};
     tagPOINT in{9, 9};
-    EXPECT_FALSE(FindClosestPointOnBezier(idot, {5, 1}, t, in, dd));
-    EXPECT_TRUE(t == 7 && in.x == 9 && in.y == 9 && dd == -1);
+    EXPECT_FALSE(FindClosestPointOnBezier(dot, {5, 1}, t, n, dd) || FindClosestPointOnBezier(flat, {5, 1}, t, n, dd) ||
+                 FindClosestPointOnBezier(idot, {5, 1}, t, in, dd));
+    EXPECT_TRUE(t == 7 && n.x == 9 && n.y == 9 && in.x == 9 && in.y == 9 && dd == -1);
     // The t-returning form: its own t on success (the tie gives 0), else the nearer end, 1 on equal distances.
-    const struct {
-        const tagPOINT* curve;
-        tagPOINT q;
-        double t;
-    } ends[] = {{iarch, {1, 0}, 0.0}, {iflat, {5, 1}, 1.0}, {iflat, {-2, 1}, 0.0}, {idot, {7, -3}, 1.0}};
+    const struct { const tagPOINT* curve; tagPOINT q; double t; } ends[] = {
+        {iarch, {1, 0}, 0.0}, {iflat, {5, 1}, 1.0}, {iflat, {-2, 1}, 0.0}, {idot, {7, -3}, 1.0}};
     for (const auto& e : ends) EXPECT_EQ(FindClosestPointOnBezier(e.curve, e.q), e.t) << e.q.x;
-}
-
-TEST(BezierClosest, AllStationaryPointsAreAppended) {
-    // Minima and maxima of the distance alike, in t order, after what the vectors held.
-    std::mt19937 rng(11);
-    int compared = 0;
-    for (int i = 0; i < 600; ++i) {
-        P p[4], q = qtest::RandomPoint(rng), dp[4];
-        tagPOINT ip[4], iq = Round(q);
-        for (int j = 0; j < 4; ++j) p[j] = qtest::RandomPoint(rng), ip[j] = Round({p[j].x * 5, p[j].y * 5});
-        for (int j = 0; j < 4; ++j) dp[j] = {1. * ip[j].x, 1. * ip[j].y};
-        const std::vector<LD> ref = Stationary(p, q);
-        std::vector<double> ts{-1}, ds{-1}, its{-1}, ids{-1};
-        std::vector<P> pts{{}};
-        std::vector<tagPOINT> ipts{{}};
-        const bool ok = FindClosestPointsOnBezier(p, q, ts, pts, ds);
-        EXPECT_TRUE(ts[0] == -1 && ds[0] == -1);
-        if (ref.empty() || ref[0] >= 0) {
-            ++compared;
-            EXPECT_EQ(ok, !ref.empty());
-            ASSERT_TRUE(ts.size() == ref.size() + 1 && pts.size() == ts.size() && ds.size() == ts.size()) << i;
-            for (size_t j = 0; j < ref.size(); ++j) {
-                const Stat at = At(p, q, ref[j]);
-                EXPECT_NEAR(ts[j + 1], double(ref[j]), 1e-9) << i;
-                EXPECT_TRUE(qtest::Near(pts[j + 1], P{double(at.x), double(at.y)}, 1e-8)) << i;
-                EXPECT_NEAR(ds[j + 1], double(at.d2), 1e-8 * (1 + double(at.d2))) << i;
-            }
-        }
-        // The integer form: the double form's parameters, the points rounded, distances to the rounded points.
-        ts = {}, pts = {}, ds = {};
-        const bool iok = FindClosestPointsOnBezier(ip, iq, its, ipts, ids);
-        EXPECT_EQ(iok, FindClosestPointsOnBezier(dp, {1. * iq.x, 1. * iq.y}, ts, pts, ds));
-        ASSERT_TRUE(its.size() == ts.size() + 1 && ipts.size() == its.size() && ids.size() == its.size()) << i;
-        for (size_t j = 0; j < ts.size(); ++j) {
-            const tagPOINT r = Round(pts[j]);
-            EXPECT_TRUE(SameBits(its[j + 1], ts[j]) && qtest::Same(&ipts[j + 1], {r})) << i;
-            EXPECT_EQ(ids[j + 1], double(r.x - iq.x) * (r.x - iq.x) + double(r.y - iq.y) * (r.y - iq.y)) << i;
-        }
-    }
-    EXPECT_GT(compared, 400);
 }
 
 TEST(BezierClosest, Invert) {
     const P s[4] = {{0, 0}, {3, 6}, {6, -6}, {9, 0}};
-    P k[4];
-    Basis(s, k);
     const auto Off = [&](LD t, LD h) {  // h along the unit left normal at t
-        const Stat a = At(s, {0, 0}, t), b = At(s, {0, 0}, t + 1e-9L);
-        const LD dx = b.x - a.x, dy = b.y - a.y, len = std::hypot(dx, dy);
-        return P{double(a.x - h * dy / len), double(a.y + h * dx / len)};
+        const qtest::LongPoint a = qtest::BernsteinAt(s, t), d = qtest::BernsteinAt(s, t, true);
+        const LD len = std::hypot(d.x, d.y);
+        return P{double(a.x - h * d.y / len), double(a.y + h * d.x / len)};
     };
-    const auto Run = [&](P q, std::vector<double> out) {
-        const bool r = Invert(k[0], k[1], k[2], k[3], q, out);
+    const auto Run = [](const P p[4], P q, std::vector<double> out) {
+        const Basis B(p);
+        const bool r = Invert(B.a, B.b, B.c, B.d, q, out);
         EXPECT_EQ(r, !out.empty());
         return out;
     };
-    std::vector<double> got = Run(Off(0.4L, 0.05L), {});
+    std::vector<double> got = Run(s, Off(0.4L, 0.05L), {});
     EXPECT_TRUE(got.size() == 1 && std::fabs(got[0] - 0.4) < 1e-9);
-    got = Run(Off(0.4L, -0.05L), {7});
+    got = Run(s, Off(0.4L, -0.05L), {7});
     EXPECT_TRUE(got.size() == 2 && got[0] == 7 && std::fabs(got[1] - 0.4) < 1e-9);
-    EXPECT_TRUE(Run(Off(0.4L, 0.2L), {}).empty());
-    EXPECT_EQ(Run(Off(0.4L, 0.2L), {7}), std::vector<double>{7});
+    EXPECT_TRUE(Run(s, Off(0.4L, 0.2L), {}).empty());
+    EXPECT_EQ(Run(s, Off(0.4L, 0.2L), {7}), std::vector<double>{7});
     // Just beyond either end on the extended curve, within 0.1 of the end: its nearest stationary point
     // lies outside [0, 1], so nothing is appended.
     for (const LD t : {-0.003L, 1.003L}) {
         const P q = Off(t, 0), &end = t < 0 ? s[0] : s[3];
         ASSERT_LT(std::hypot(q.x - end.x, q.y - end.y), 0.1);
-        EXPECT_TRUE(Run(q, {}).empty()) << double(t);
+        EXPECT_TRUE(Run(s, q, {}).empty()) << double(t);
     }
     // Points on random curves invert to their parameter.
     std::mt19937 rng(3);
@@ -215,8 +186,8 @@ TEST(BezierClosest, Invert) {
         P p[4];
         for (P& v : p) v = qtest::RandomPoint(rng);
         const double t = u(rng);
-        const Stat on = At(p, {0, 0}, t);
-        Basis(p, k), got = Run({double(on.x), double(on.y)}, {});
+        const qtest::LongPoint on = qtest::BernsteinAt(p, t);
+        got = Run(p, {double(on.x), double(on.y)}, {});
         EXPECT_TRUE(got.size() == 1 && std::fabs(got[0] - t) < 1e-7) << i;
     }
 }

@@ -1,7 +1,6 @@
 #include <QorMath/QorMath.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <random>
 #include <tuple>
@@ -19,12 +18,7 @@ using P = Point2d;
 using LD = long double;
 
 // |B′(t)| from the control points, Bernstein form in long double.
-LD Speed(const P p[4], LD t) {
-    const LD s = 1 - t, u = s * s, v = 2 * s * t, w = t * t;
-    const LD x = u * (p[1].x - p[0].x) + v * (p[2].x - p[1].x) + w * (p[3].x - p[2].x);
-    const LD y = u * (p[1].y - p[0].y) + v * (p[2].y - p[1].y) + w * (p[3].y - p[2].y);
-    return 3 * std::sqrt(x * x + y * y);
-}
+LD Speed(const P p[4], LD t) { const qtest::LongPoint d = qtest::BernsteinAt(p, t, true); return std::hypot(d.x, d.y); }
 
 // Gauss–Legendre nodes and weights on [−1, 1]: Newton on the Legendre polynomial P_n.
 const std::vector<std::pair<LD, LD>>& Rule(int n) {
@@ -62,108 +56,74 @@ LD Reference(const P p[4], LD a, LD b) {
     return Simpson(p, a, b, fa, fm, fb, (b - a) / 6 * (fa + 4 * fm + fb), 0);
 }
 
-// Gently curved segments: handles near the chord's thirds, speed nearly constant, so that
-// every rule is accurate on them (the 16-point one to rounding).
-void Gentle(std::mt19937& rng, P p[4]) {
-    std::uniform_real_distribution<double> u(-0.1, 0.1);
-    p[0] = qtest::RandomPoint(rng), p[3] = qtest::RandomPoint(rng);
-    const double dx = p[3].x - p[0].x, dy = p[3].y - p[0].y;
-    for (int j = 1; j < 3; ++j) {
-        const double along = u(rng) + j / 3.0, across = u(rng);
-        p[j] = {p[0].x + along * dx - across * dy, p[0].y + along * dy + across * dx};
-    }
-}
-
-double Len(const P p[4], int accuracy) {
-    P a, b, c, d;
-    GetPowerBasis(p, a, b, c, d);
-    return Length(a, b, c, static_cast<LengthAccuracy>(accuracy));
-}
+double Len(const P p[4], int n) { const qtest::Basis B(p); return Length(B.a, B.b, B.c, static_cast<LengthAccuracy>(n)); }
 
 }  // namespace
 
 TEST(BezierLength, AccuracySelectsTheRule) {
     // Evenly spaced handles: constant speed 15, so an n-point rule gives 7.5·Σw, the chord to the
-    // rounding of the stored weights.
-    const P line[4] = {{0, 0}, {3, 4}, {6, 8}, {9, 12}};
-    for (int n : {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 16, 50}) EXPECT_NEAR(Len(line, n), 15, 15 * 5e-8) << n;
+    // rounding of the stored weights. A tight turn makes every rule (they differ by 8e-4 at least
+    // there) give a visibly different length: the result must be the mapped one.
+    const P line[4] = {{0, 0}, {3, 4}, {6, 8}, {9, 12}}, turn[4] = {{0, 0}, {4, 3}, {-3, 3}, {1, 0}};
+    const struct { int accuracy, points; } map[] = {{-1, 2}, {0, 2}, {1, 2}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6},
+                                                    {7, 7}, {8, 8}, {9, 10}, {10, 10}, {11, 16}, {16, 16}, {50, 16}};
+    for (const auto& m : map) {
+        EXPECT_NEAR(Len(line, m.accuracy), 15, 15 * 5e-8) << m.accuracy;
+        const LD got = Len(turn, m.accuracy);
+        for (int n : {2, 3, 4, 5, 6, 7, 8, 10, 16})
+            EXPECT_EQ(std::fabs(got - Gauss(turn, n)) < 1e-6L, n == m.points) << m.accuracy << " vs " << n;
+    }
     // The five-point weights as stored sum to 2.00000001, which a full-precision rule would not show.
     const LD w5 = 0.23692689L + 0.47862867L + 0.56888889L + 0.47862867L + 0.23692689L;
-    EXPECT_NEAR(Len(line, 5), double(7.5L * w5), 1e-13);
-    EXPECT_GT(Len(line, 5) - 15, 5e-8);
-    // A tight turn makes every rule give a visibly different length; the result must be the mapped one.
-    const P turn[4] = {{0, 0}, {4, 3}, {-3, 3}, {1, 0}};
-    const struct {
-        int accuracy, points;
-    } map[] = {{-1, 2}, {0, 2}, {1, 2}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6},
-               {7, 7},  {8, 8}, {9, 10}, {10, 10}, {11, 16}, {16, 16}, {50, 16}};
-    for (const auto& m : map) {
-        const LD got = Len(turn, m.accuracy);
-        for (int n : {2, 3, 4, 5, 6, 7, 8, 10, 16}) {  // the rules differ by 8e-4 at least here
-            EXPECT_EQ(std::fabs(got - Gauss(turn, n)) < 1e-6L, n == m.points) << m.accuracy << " vs " << n;
-        }
-    }
-    // On gentle curves the 16-point rule is the reference length to rounding; the 10-point one to its
-    // eight-decimal table.
-    std::mt19937 rng(7);
-    for (int i = 0; i < 300; ++i) {
-        P p[4];
-        Gentle(rng, p);
-        const LD ref = Reference(p, 0, 1);
-        EXPECT_NEAR(Len(p, 16), double(ref), double(ref) * 1e-13) << i;
-        EXPECT_NEAR(Len(p, 10), double(ref), double(ref) * 5e-8) << i;
-    }
+    EXPECT_TRUE(std::fabs(Len(line, 5) - double(7.5L * w5)) < 1e-13 && Len(line, 5) - 15 > 5e-8);
 }
 
-TEST(BezierLength, PiecesBeforeAndAfter) {
-    // The ends return 0 without building a piece: an infinite control point cannot reach the result.
-    const P far[4] = {{0, 0}, {1, 1}, {2, 0}, {qtest::kInf, 0}};
+TEST(BezierLength, EndsAreNotIntegrated) {
+    // LengthTo(0) and LengthFrom(1) return 0 without building a piece: an infinite control point cannot
+    // reach the result. Fractions outside (0, 1) give the ends: nor can a NaN curve.
+    const P far[4] = {{0, 0}, {1, 1}, {2, 0}, {qtest::kInf, 0}}, nan{qtest::kNaN, qtest::kNaN};
     EXPECT_TRUE(qtest::SameBits(LengthTo(0, far), 0.0) && qtest::SameBits(LengthFrom(1, far), 0.0));
-    // The integer forms convert and compute alike.
-    std::mt19937 rng(9);
-    for (int i = 0; i < 100; ++i) {
-        P p[4];
-        tagPOINT ip[4];
-        Gentle(rng, p);
-        for (int j = 0; j < 4; ++j) ip[j] = {int(p[j].x * 100), int(p[j].y * 100)}, p[j] = {1. * ip[j].x, 1. * ip[j].y};
-        const double whole = Len(p, 10);
-        EXPECT_NEAR(LengthTo(1, p), whole, whole * 1e-13);
-        EXPECT_NEAR(LengthFrom(0, p), whole, whole * 1e-13);
-        for (int k = 1; k <= 10; ++k) {
-            const double t = k / 11.0, to = LengthTo(t, p), from = LengthFrom(t, p);
-            // The piece integrated whole by the 10-point rule: on the original curve, that rule over [0, t].
-            EXPECT_NEAR(to, double(Gauss(p, 10, 0, t)), whole * 1e-7) << i << " " << t;
-            EXPECT_NEAR(to + from, whole, whole * 1e-7) << i << " " << t;
-            EXPECT_TRUE(qtest::SameBits(LengthTo(t, ip), to) && qtest::SameBits(LengthFrom(t, ip), from)) << i;
-        }
-    }
-}
-
-TEST(BezierLength, RelativeLengthParameter) {
-    // Fractions outside (0, 1) give the ends without integrating: a NaN curve cannot reach the result.
-    const P nan{qtest::kNaN, qtest::kNaN};
     for (double f : {-qtest::kInf, -1.0, 0.0, 1.0, 2.5, qtest::kInf})
         EXPECT_EQ(GetCurveRelativeLengthParameter(f, nan, nan, nan, 0, LengthAccuracy::Gauss16), f > 0 ? 1.0 : 0.0) << f;
-    P a, b, c, d;
     // Symmetric curves: a loose tolerance accepts the first midpoint as it is; on a gentle one, where the
     // rule is exact to rounding, a zero tolerance converges to 0.5.
     const P arch[4] = {{0, 0}, {1, 3}, {3, 3}, {4, 0}}, gentle[4] = {{0, 0}, {1, 0.5}, {2, 0.5}, {3, 0}};
-    GetPowerBasis(arch, a, b, c, d);
-    EXPECT_EQ(GetCurveRelativeLengthParameter(0.5, a, b, c, 1e-6, LengthAccuracy::Gauss16), 0.5);
-    GetPowerBasis(gentle, a, b, c, d);
-    EXPECT_NEAR(GetCurveRelativeLengthParameter(0.5, a, b, c, 0, LengthAccuracy::Gauss16), 0.5, 1e-13);
-    // The length up to the returned t, by the requested rule, is fraction·L within the tolerance; tolerance 0
-    // stops too (exact bracket or the iteration limit). The rules differ from the true length (Simpson) on
-    // curved paths, so a wrong rule shows for the two-point one.
-    std::mt19937 rng(13);
-    std::uniform_real_distribution<double> u(0.01, 0.99);
+    const qtest::Basis A(arch), G(gentle);
+    EXPECT_EQ(GetCurveRelativeLengthParameter(0.5, A.a, A.b, A.c, 1e-6, LengthAccuracy::Gauss16), 0.5);
+    EXPECT_NEAR(GetCurveRelativeLengthParameter(0.5, G.a, G.b, G.c, 0, LengthAccuracy::Gauss16), 0.5, 1e-13);
+}
+
+TEST(BezierLength, GentleCurvesAgainstReferences) {
+    // Handles near the chord's thirds, speed nearly constant, so that every rule is accurate (the 16-point
+    // one to rounding); integer-valued, so that the integer forms convert exactly.
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<double> u(0.01, 0.99), g(-0.1, 0.1);
     for (int i = 0; i < 300; ++i) {
-        P p[4];
-        Gentle(rng, p);
-        GetPowerBasis(p, a, b, c, d);
+        P p[4] = {qtest::RandomPoint(rng), {}, {}, qtest::RandomPoint(rng)};
+        tagPOINT ip[4];
+        for (int j = 1; j < 3; ++j) {
+            const double dx = p[3].x - p[0].x, dy = p[3].y - p[0].y, along = g(rng) + j / 3.0, across = g(rng);
+            p[j] = {p[0].x + along * dx - across * dy, p[0].y + along * dy + across * dx};
+        }
+        for (int j = 0; j < 4; ++j) ip[j] = {int(p[j].x * 100), int(p[j].y * 100)}, p[j] = {1. * ip[j].x, 1. * ip[j].y};
+        // The 16-point rule is the reference length to rounding; the 10-point one to its eight-decimal table.
+        const double ref = double(Reference(p, 0, 1)), whole = Len(p, 10);
+        EXPECT_TRUE(std::fabs(Len(p, 16) - ref) <= ref * 1e-13 && std::fabs(whole - ref) <= ref * 5e-8) << i;
+        EXPECT_TRUE(std::fabs(LengthTo(1, p) - whole) <= whole * 1e-13 && std::fabs(LengthFrom(0, p) - whole) <= whole * 1e-13);
+        for (int k = 1; k <= 10; ++k) {
+            // The piece integrated whole by the 10-point rule: on the original curve, that rule over [0, t].
+            const double t = k / 11.0, to = LengthTo(t, p), from = LengthFrom(t, p);
+            EXPECT_TRUE(std::fabs(to - double(Gauss(p, 10, 0, t))) <= whole * 1e-7 && std::fabs(to + from - whole) <= whole * 1e-7)
+                << i << " " << t;
+            EXPECT_TRUE(qtest::SameBits(LengthTo(t, ip), to) && qtest::SameBits(LengthFrom(t, ip), from)) << i;
+        }
+        // The length up to the returned t, by the requested rule, is fraction·L within the tolerance;
+        // tolerance 0 stops too (exact bracket or the iteration limit). The rules differ from the true length
+        // (Simpson) on curved paths, so a wrong rule shows for the two-point one.
+        const qtest::Basis B(p);
         const int n = i % 3 == 0 ? 2 : 16;
         const double f = u(rng), tol = i % 2 ? 1e-6 : 0;
-        const double t = GetCurveRelativeLengthParameter(f, a, b, c, tol, static_cast<LengthAccuracy>(n));
+        const double t = GetCurveRelativeLengthParameter(f, B.a, B.b, B.c, tol, static_cast<LengthAccuracy>(n));
         const LD L = n == 2 ? Gauss(p, n) : Reference(p, 0, 1), got = n == 2 ? Gauss(p, n, 0, t) : Reference(p, 0, t);
         EXPECT_NEAR(double(got), double(f * L), 2 * tol + 1e-10 * double(L)) << i << " n=" << n << " f=" << f;
     }
