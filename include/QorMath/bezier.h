@@ -225,7 +225,117 @@ QORMATH_API double GetAreaUnderBezier(const vector2dT<double, 1>& a, const vecto
 QORMATH_API vector2dT<double, 1> MapToBezier(const vector2dT<double, 1> points[4], double t, double distance,
                                              double scale);
 
+// ---- Implicit form and line intersection ------------------------------------
+// A line is two points L0, L1 with parameter s: 0 at L0, 1 at L1, beyond them
+// on the rest of the infinite line. Curve parameters t and line parameters s
+// are stored pairwise: element i of one belongs to element i of the other.
+// includeEnds is handed to the cubic root solver: when set, t = 0 and t = 1 are
+// reported where an end point lies on the line.
+
+/// The implicit cubic f(x, y) = c1·x³ + c2·y³ + c3·x²y + c4·xy² + c5·x² + c6·y²
+/// + c7·xy + c8·x + c9·y + c10 of the curve with power-basis coefficients a, b,
+/// c, d: the resultant in t of Y(t) − y and X(t) − x (Y first), so f(B(t)) = 0
+/// for every real t. c1 = −a.y³, c2 = a.x³. All ten are 0 when a = (0, 0).
+QORMATH_API void ConvertBezierToImplicit(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                         const vector2dT<double, 1>& c, const vector2dT<double, 1>& d, double& c1,
+                                         double& c2, double& c3, double& c4, double& c5, double& c6, double& c7,
+                                         double& c8, double& c9, double& c10);
+/// Clears both vectors, then records every crossing of the curve with the
+/// infinite line through line[0] and line[1]: t in [0, 1] in the solver's
+/// (ascending) order and s unfiltered, from the larger component of L1 − L0 (y
+/// on a tie). False, nothing found, when the two line points coincide.
+QORMATH_API bool FindBezierLineIntersection(const vector2dT<double, 1> points[4], const vector2dT<double, 1> line[2],
+                                            std::vector<double>& curveParameters,
+                                            std::vector<double>& lineParameters, bool includeEnds);
+/// As above, integer points converted to double.
+QORMATH_API bool FindBezierLineIntersection(const tagPOINT points[4], const tagPOINT line[2],
+                                            std::vector<double>& curveParameters,
+                                            std::vector<double>& lineParameters, bool includeEnds);
+/// Appends the t in [0, 1] where B(t).x = x, without clearing ts first, so the
+/// crossings of several segments can be collected. True when ts is non-empty
+/// afterwards, whoever filled it.
+QORMATH_API bool FindBezierIntersectionsAtX(const vector2dT<double, 1> points[4], double x, std::vector<double>& ts,
+                                            bool includeEnds);
+/// Whether the curve crosses the closed segment segment[0]–segment[1] (s in
+/// [0, 1]); crossings exactly at the curve's end points do not count.
+QORMATH_API bool DoesBezierIntersectLineSegment(const tagPOINT points[4], const tagPOINT segment[2]);
+QORMATH_API bool DoesBezierIntersectLineSegment(const vector2dT<double, 1> points[4],
+                                                const vector2dT<double, 1> segment[2]);
+
+// ---- Curve/curve intersection -----------------------------------------------
+
+/// The intersections of two segments: parameters on the first and second curve
+/// and the points, kept parallel. A curve whose control points lie within 2
+/// units of a line is treated as that line (the first curve tried first): the
+/// crossings are then appended to the vectors as they were, with the straight
+/// curve's parameter found by closest point and strictly inside (0, 1).
+/// Otherwise the vectors are cleared and the second curve is substituted into
+/// the first one's implicit form (roles exchanged when the first has no t³
+/// term); results come in the order of the degree-9 roots on the substituted
+/// curve, neither sorted nor de-duplicated. An intersection at the start of the
+/// substituted curve is not reported by that method.
+QORMATH_API void FindBezierIntersections(const vector2dT<double, 1> first[4], const vector2dT<double, 1> second[4],
+                                         std::vector<double>& firstParameters,
+                                         std::vector<double>& secondParameters,
+                                         std::vector<vector2dT<double, 1>>& points);
+/// As above, integer points converted to double; the points stay double.
+QORMATH_API void FindBezierIntersections(const tagPOINT first[4], const tagPOINT second[4],
+                                         std::vector<double>& firstParameters,
+                                         std::vector<double>& secondParameters,
+                                         std::vector<vector2dT<double, 1>>& points);
+/// True at once when an end point of one equals an end point of the other
+/// exactly; otherwise whether FindBezierIntersections finds anything.
+QORMATH_API bool DoBeziersIntersect(const vector2dT<double, 1> first[4], const vector2dT<double, 1> second[4]);
+QORMATH_API bool DoBeziersIntersect(const tagPOINT first[4], const tagPOINT second[4]);
+/// Whether the fat line, every point within w of the segment a–b, touches the
+/// curve. Meant for short fat lines: false whenever neither a nor b lies in the
+/// control points' box grown by w, even if the middle crosses the curve. Then,
+/// in order: an end point of the curve within w of a or b, or of the segment;
+/// the curve crossing the segment; a or b within w of the curve. A null curve
+/// gives false.
+QORMATH_API bool DoesFatlineIntersectBezier(const vector2dT<double, 1> points[4], const vector2dT<double, 1>& a,
+                                            const vector2dT<double, 1>& b, double w);
+
+// ---- Self-intersection -------------------------------------------------------
+
+/// Whether the segment has a loop. When it does, [t1a, t1b] and [t2a, t2b]
+/// (each ascending, clamped to [0, 1]) each contain one of the two parameters of
+/// the double point; they are not the parameters themselves. A closed segment
+/// (P0 = P3 within DBL_EPSILON) gives false unless closedCurve is set. The
+/// outputs are written only when the intervals have been computed, which can
+/// happen before a false result.
+QORMATH_API bool DoesBezierSelfIntersect(const vector2dT<double, 1> points[4], double& t1a, double& t1b, double& t2a,
+                                         double& t2b, bool closedCurve);
+QORMATH_API bool DoesBezierSelfIntersect(const tagPOINT points[4], double& t1a, double& t1b, double& t2a,
+                                         double& t2b, bool closedCurve);
+/// The double point of a loop: B(s) = B(t) = point, s from the first interval
+/// of DoesBezierSelfIntersect and t from the second. Found by box subdivision
+/// of both pieces to depth 8, which gives up on pieces that shrink below one
+/// unit first: meant for curves in fine, integer-like units. False when there
+/// is no loop or nothing is found (s and point may then be written already).
+QORMATH_API bool FindBezierSelfIntersection(const vector2dT<double, 1> points[4], double& s, double& t,
+                                            vector2dT<double, 1>& point);
+QORMATH_API bool FindBezierSelfIntersection(const tagPOINT points[4], double& s, double& t,
+                                            vector2dT<double, 1>& point);
+
+// ---- Offset cusps ------------------------------------------------------------
+
+/// Clears out, then records the t in [0, 1] where the offset at signed distance
+/// d (positive to the left of travel) has a cusp: where the radius of curvature
+/// equals |d| on the side the offset moves to. Takes the power-basis a, b, c. A
+/// cusp exactly at t = 0 is not reported. True when out is non-empty.
+QORMATH_API bool FindOffsetCusps(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                 const vector2dT<double, 1>& c, double d, std::vector<double>& out);
+
 }  // namespace CubicBezier
+
+// ---- Fat lines -----------------------------------------------------------------
+
+/// Whether the segment q0–q1 comes closer than w to the segment p0–p1 (an end
+/// point of one strictly within w of the other), or properly crosses it. Two
+/// segments that only touch, with w = 0, do not intersect.
+QORMATH_API bool DoesFatlineIntersectLine(const vector2dT<double, 1>& p0, const vector2dT<double, 1>& p1,
+                                          const vector2dT<double, 1>& q0, const vector2dT<double, 1>& q1, double w);
 
 // ---- Flattening to lines -----------------------------------------------------
 // One segment to a polyline. No allocation; the output arrays are the caller's.
