@@ -289,6 +289,47 @@ void Analysis(Fingerprint& f) {
     }
 }
 
+void Intersect(Fingerprint& f) {
+    using namespace CubicBezier;
+    Draw d;
+    std::vector<double> s, t;
+    std::vector<vector2dT<double, 1>> pts;
+    for (int i = 0; i < 1500; ++i) {
+        vector2dT<double, 1> p[4], q[4], a{}, b{}, c{}, e{}, at{};
+        tagPOINT ip[4], iq[4];
+        const double r = i % 4 ? 100 : 5000;
+        d.Four(p, [&] { return d.Point(r); });
+        d.Four(q, [&] { return d.Point(r); });
+        d.Four(ip, [&] { return d.IntPoint(10000); });
+        d.Four(iq, [&] { return d.IntPoint(10000); });
+        if (i % 9 == 0) p[1] = p[0] + (p[3] - p[0]) * 0.25, p[2] = p[0] + (p[3] - p[0]) * 0.75;  // straight
+        if (i % 10 == 0) q[0] = p[3];                                                           // shared end
+        GetPowerBasis(p, a, b, c, e);
+        double k[10];
+        ConvertBezierToImplicit(a, b, c, e, k[0], k[1], k[2], k[3], k[4], k[5], k[6], k[7], k[8], k[9]);
+        for (double x : k) f.Add(x);
+        const vector2dT<double, 1> line[2] = {q[0], q[3]};
+        f.Add(FindBezierLineIntersection(p, line, s, t, i % 2 == 0));
+        f.Add(FindBezierIntersectionsAtX(p, q[1].x, s, i % 3 == 0));
+        f.Add(DoesBezierIntersectLineSegment(p, line)), f.Add(DoesBezierIntersectLineSegment(ip, iq));
+        for (double x : s) f.Add(x);
+        for (double x : t) f.Add(x);
+        FindBezierIntersections(p, q, s, t, pts);
+        FindBezierIntersections(ip, iq, s, t, pts);
+        for (double x : s) f.Add(x);
+        for (double x : t) f.Add(x);
+        for (const auto& x : pts) f.Add(x);
+        f.Add(DoBeziersIntersect(p, q));
+        f.Add(DoesFatlineIntersectBezier(p, q[0], q[1], d.In(0, r / 4)));
+        f.Add(DoesFatlineIntersectLine(p[0], p[3], q[0], q[3], d.In(0, r / 10)));
+        double t1a = -1, t1b = -1, t2a = -1, t2b = -1, u = -1, v = -1;
+        f.Add(DoesBezierSelfIntersect(ip, t1a, t1b, t2a, t2b, i % 2 == 0)), f.Add(t1a), f.Add(t1b), f.Add(t2a);
+        f.Add(t2b), f.Add(FindBezierSelfIntersection(ip, u, v, at)), f.Add(u), f.Add(v), f.Add(at);
+        f.Add(FindOffsetCusps(a, b, c, d.In(-r, r), s));
+        for (double x : s) f.Add(x);
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -297,7 +338,7 @@ int main() {
         void (*run)(Fingerprint&);
     } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds},
                     {"bezier", Bezier},  {"flatten", Flatten}, {"roots", Roots},
-                    {"analysis", Analysis}};
+                    {"analysis", Analysis}, {"intersect", Intersect}};
     for (const auto& family : families) {
         Fingerprint f;
         family.run(f);
