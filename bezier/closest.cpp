@@ -4,6 +4,7 @@
 #include <cfloat>
 
 #include "QorMath/bezier.h"
+#include "bezier/convert.h"
 #include "bezier/power_basis.h"
 #include "bezier/roots.h"
 
@@ -57,8 +58,6 @@ double DistanceSquared(const Point& q, const Point& p) {
     return dx * dx + dy * dy;
 }
 
-tagPOINT Rounded(const Point& q) { return {RoundToInt(q.x), RoundToInt(q.y)}; }
-Point ToDouble(const tagPOINT& q) { return {double(q.x), double(q.y)}; }
 
 bool ClosestPoint(const PowerBasis& k, const Point& p, double& t, Point& nearest, double& distanceSquared) {
     double roots[7];

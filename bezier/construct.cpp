@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "QorMath/bezier.h"
+#include "bezier/convert.h"
 
 namespace QorMath {
 namespace CubicBezier {
@@ -13,7 +14,6 @@ namespace {
 using Point = vector2dT<double, 1>;
 using Vector = vector2dT<double, 0>;
 
-tagPOINT Rounded(const Point& p) { return {RoundToInt(p.x), RoundToInt(p.y)}; }
 
 bool Coincide(const Point& p, const Point& q) {
     return std::fabs(p.x - q.x) <= DBL_EPSILON && std::fabs(p.y - q.y) <= DBL_EPSILON;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "QorMath/bezier.h"
+#include "bezier/convert.h"
 #include "bezier/power_basis.h"
 
 namespace QorMath {
@@ -91,10 +92,6 @@ double PieceLength(const Point piece[4]) {
     return Integrate(SpeedSquared(k.a, k.b, k.c), 0, 1, RuleFor(LengthAccuracy::Gauss10));
 }
 
-void ToDouble(const tagPOINT points[4], Point out[4]) {
-    for (int i = 0; i < 4; ++i) out[i] = {double(points[i].x), double(points[i].y)};
-}
-
 }  // namespace
 
 double Length(const Point& a, const Point& b, const Point& c, LengthAccuracy accuracy) {
@@ -112,7 +109,7 @@ double LengthTo(double t, const Point points[4]) {
 
 double LengthTo(double t, const tagPOINT points[4]) {
     Point p[4];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     return LengthTo(t, p);
 }
 
@@ -125,7 +122,7 @@ double LengthFrom(double t, const Point points[4]) {
 
 double LengthFrom(double t, const tagPOINT points[4]) {
     Point p[4];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     return LengthFrom(t, p);
 }
 

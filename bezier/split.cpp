@@ -2,6 +2,7 @@
 // into three pieces, and the piece between two parameters.
 
 #include "QorMath/bezier.h"
+#include "bezier/convert.h"
 #include "geometry/wrap.h"
 
 namespace QorMath {
@@ -58,16 +59,6 @@ void WriteRight(const Point p[4], const Triangle& k, Point out[4]) {
     out[3] = p3;
 }
 
-// Integer forms: the double computation on converted points, each output
-// coordinate rounded once at the end.
-void ToDouble(const tagPOINT p[4], Point out[4]) {
-    for (int i = 0; i < 4; ++i) out[i] = {double(p[i].x), double(p[i].y)};
-}
-
-void ToRounded(const Point* p, tagPOINT* out, int count) {
-    for (int i = 0; i < count; ++i) out[i] = {RoundToInt(p[i].x), RoundToInt(p[i].y)};
-}
-
 // (a + b) / 2 with the int32 sum wrapping and the division truncating toward zero.
 tagPOINT IntegerMidpoint(const tagPOINT& a, const tagPOINT& b) {
     return {WrappingAdd(a.x, b.x) / 2, WrappingAdd(a.y, b.y) / 2};
@@ -120,47 +111,49 @@ void Split(double t0, double t1, const Point points[4], Point out[10]) {
 
 // ---- tagPOINT -----------------------------------------------------------------
 
+// Integer forms: the double computation on converted points, each output
+// coordinate rounded once at the end.
 void LeftOf(double t, const tagPOINT points[4], tagPOINT out[4]) {
     Point p[4], piece[4];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     LeftOf(t, p, piece);
-    ToRounded(piece, out, 4);
+    Rounded(piece, out, 4);
 }
 
 void RightOf(double t, const tagPOINT points[4], tagPOINT out[4]) {
     Point p[4], piece[4];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     RightOf(t, p, piece);
-    ToRounded(piece, out, 4);
+    Rounded(piece, out, 4);
 }
 
 void Split(double t, const tagPOINT points[4], tagPOINT left[4], tagPOINT right[4]) {
     Point p[4], pieces[7];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     Split(t, p, pieces);
-    ToRounded(pieces, left, 4);
-    ToRounded(pieces + 3, right, 4);
+    Rounded(pieces, left, 4);
+    Rounded(pieces + 3, right, 4);
 }
 
 void Split(double t, const tagPOINT points[4], tagPOINT out[7]) {
     Point p[4], pieces[7];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     Split(t, p, pieces);
-    ToRounded(pieces, out, 7);
+    Rounded(pieces, out, 7);
 }
 
 void Split(double t0, double t1, const tagPOINT points[4], tagPOINT out[10]) {
     Point p[4], pieces[10];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     Split(t0, t1, p, pieces);
-    ToRounded(pieces, out, 10);
+    Rounded(pieces, out, 10);
 }
 
 void Subsection(double t0, double t1, const tagPOINT points[4], tagPOINT out[4]) {
     Point p[4], piece[4];
-    ToDouble(points, p);
+    ToDouble(points, p, 4);
     Subsection(t0, t1, p, piece);
-    ToRounded(piece, out, 4);
+    Rounded(piece, out, 4);
 }
 
 // Each level halves the already truncated values of the level before.

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "QorMath/bezier.h"
+#include "bezier/convert.h"
 #include "bezier/power_basis.h"
 #include "geometry/grow.h"
 #include "geometry/wrap.h"
@@ -30,9 +31,6 @@ int LinesForSize(int32_t size, int maximum) {
     if (size >= 30) return maximum / 4;
     return maximum / 8;
 }
-
-Point ToDouble(const tagPOINT& p) { return {double(p.x), double(p.y)}; }
-Point ToDouble(const Point& p) { return p; }
 
 // Total travel of the control polygon along x and along y.
 double Travel(double p0, double p1, double p2, double p3) {
