@@ -9,7 +9,9 @@ both sides: lines (lines per curve, with its ratio ours/peer, "lines o/p"),
 max_dev and over_d (deviation from the curve), and the root-finding agreement
 (roots per polynomial, missed, extra, max_err), the analysis accuracy (mean_err, med_err,
 max_err, the peer's matched tol; closest-point agree, end_miss, other_miss,
-pair). One table per Family; cases without a counterpart are listed after it.
+pair), and the intersection agreement (found, ref, missed, extra, end_miss,
+max_err) with the time of one item (per_item, a pair or a line). One table per
+Family; cases without a counterpart are listed after it.
 
   report.py build/bench/bench_matrix build/bench/bench_flatten ... [--min-time 0.2] [--filter REGEX]
   report.py results.json          (the output of --benchmark_format=json)
@@ -23,12 +25,16 @@ from collections import OrderedDict
 
 OURS = "QorMath"
 
-# (counter, format, with a ratio ours/peer)
+# (counter, format, with a ratio ours/peer, or None for a value both sides
+# share, shown once); "time" is a counter in seconds.
 COUNTERS = [
+    ("per_item", "time", False),
     ("lines", "%.1f", True),
     ("max_dev", "%.3f", False),
     ("over_d", "%d", False),
     ("roots", "%.3f", False),
+    ("found", "%d", False),
+    ("ref", "%d", None),
     ("missed", "%d", False),
     ("extra", "%d", False),
     ("max_err", "%.1e", False),
@@ -92,6 +98,8 @@ def fmt_counter(fmt, b, name):
     v = b.get(name)
     if v is None:
         return "-"
+    if fmt == "time":
+        return fmt_time(v * 1e9)
     return fmt % (int(round(v)) if fmt == "%d" else v)
 
 
@@ -112,6 +120,9 @@ def report(title, rows):
 
     head = ["case", "ours", "peer", "time ours", "time peer", "time o/p"]
     for name, _, ratio in counters:
+        if ratio is None:
+            head.append(name)
+            continue
         head += [name + " ours", name + " peer"] + ([name + " o/p"] if ratio else [])
     if gbs:
         head.append("ours GB/s")
@@ -127,6 +138,9 @@ def report(title, rows):
             paired.update([(case, mine), (case, impl)])
             r = [case, mine, impl, fmt_time(ns(ours)), fmt_time(ns(peer)), "%.2f" % (ns(ours) / ns(peer))]
             for name, f, ratio in counters:
+                if ratio is None:
+                    r.append(fmt_counter(f, ours, name))
+                    continue
                 r += [fmt_counter(f, ours, name), fmt_counter(f, peer, name)]
                 if ratio:
                     a, b = ours.get(name), peer.get(name)
