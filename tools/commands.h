@@ -27,6 +27,9 @@ Command addBBoxCommand(CLI::App& parent, const GlobalOptions& global);
 Command addFlattenCommand(CLI::App& parent, const GlobalOptions& global);
 Command addSplitCommand(CLI::App& parent, const GlobalOptions& global);
 Command addCurveCommand(CLI::App& parent, const GlobalOptions& global);
+Command addIntersectCommand(CLI::App& parent, const GlobalOptions& global);
+Command addSelfxCommand(CLI::App& parent, const GlobalOptions& global);
+Command addCuspsCommand(CLI::App& parent, const GlobalOptions& global);
 Command addGalleryCommand(CLI::App& parent, const GlobalOptions& global);
 
 }  // namespace qtool

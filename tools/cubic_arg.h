@@ -17,6 +17,11 @@ namespace qtool {
 /// message when the path data has more or fewer segments.
 Cubic parseCubic(const std::vector<std::string>& words, const std::string& command);
 
+/// Every cubic segment of text in path order, across subpaths: eight numbers
+/// give one segment, path data any number. what names the argument in messages;
+/// no segments at all is an error.
+std::vector<Cubic> parseSegments(const std::string& text, const std::string& what);
+
 /// Help text of the CURVE argument.
 extern const char* const kCubicHelp;
 

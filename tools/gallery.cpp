@@ -247,6 +247,16 @@ namespace CB = QorMath::CubicBezier;
 // The curve of four control points as an SVG path.
 svg::Path bezierPath(const Point2d (&p)[4]) { return svg::Path().moveTo(p[0]).cubicTo(p[1], p[2], p[3]); }
 
+// The curve as a polyline of evenly spaced parameters, so that far handles do
+// not widen the view.
+std::vector<Point2d> sampled(const Point2d (&p)[4], int n = 120) {
+    Point2d a, b, c, d;
+    CB::GetPowerBasis(p, a, b, c, d);
+    std::vector<Point2d> out;
+    for (int i = 0; i <= n; ++i) out.push_back(CB::Evaluate(a, b, c, d, double(i) / n));
+    return out;
+}
+
 // Unit left normal of the curve at t (the tangent never vanishes).
 Vector2d leftNormal(double t, const Point2d& a, const Point2d& b, const Point2d& c, const Point2d& d) {
     const Vector2d tan = CB::SafeBezierTangent(t, a, b, c, d);
@@ -396,6 +406,164 @@ std::string drawEqualLength(svg::Panel& panel) {
            "), each measured alone within " + dev;
 }
 
+// Crossing points of curve pairs: two S-curves, an arch and a nearly straight
+// curve (intersected as a line), and a curve winding through a loop.
+std::string drawCrossings(svg::Panel& panel) {
+    const Style first{"#2563eb", "none", 2.4, "", 1};
+    const Style second{"#ea580c", "none", 2.4, "", 1};
+    const Style mark{"#111827", "#fde047", 1.4, "", 1};
+    struct Pair {
+        const char* name;
+        Point2d a[4], b[4];
+    };
+    const Pair pairs[] = {
+        {"two S-curves", {{0, 0}, {40, 160}, {80, -100}, {120, 60}}, {{0, 50}, {50, -80}, {70, 150}, {125, 10}}},
+        {"arch, near-line", {{0, 0}, {20, 110}, {100, 110}, {120, 0}}, {{0, 40}, {40, 41.5}, {80, 38.5}, {120, 40}}},
+        {"through a loop", {{0, 0}, {200, 150}, {-80, 150}, {120, 0}}, {{-10, 8}, {81, 4}, {20, 120}, {130, 79}}},
+    };
+    const double columnWidth = 190;
+    std::string summary = "FindBezierIntersections:";
+    for (size_t col = 0; col < 3; ++col) {
+        const Vector2d shift{double(col) * columnWidth, 0};
+        Point2d a[4], b[4];
+        for (int i = 0; i < 4; ++i) a[i] = pairs[col].a[i] + shift, b[i] = pairs[col].b[i] + shift;
+        std::vector<double> ta, tb;
+        std::vector<Point2d> points;
+        CB::FindBezierIntersections(a, b, ta, tb, points);
+        const std::vector<Point2d> lineA = sampled(a), lineB = sampled(b);
+        panel.polyline(lineA, first);
+        panel.polyline(lineB, second);
+        for (const Point2d& q : points) panel.dot(q, 4, mark);
+        double top = -DBL_MAX, bottom = DBL_MAX;
+        for (const auto* line : {&lineA, &lineB})
+            for (const Point2d& q : *line) top = std::max(top, q.y), bottom = std::min(bottom, q.y);
+        panel.label({shift.x + 60, top}, pairs[col].name, -10, svg::Anchor::Middle, 13, "#111827");
+        panel.label({shift.x + 60, bottom}, std::to_string(points.size()) + " crossings", 18, svg::Anchor::Middle,
+                    12, "#374151");
+        summary += std::string(col ? ";" : "") + " " + pairs[col].name + " " + std::to_string(points.size());
+    }
+    panel.legend(first, "first curve");
+    panel.legend(second, "second curve");
+    panel.legend(mark, "crossing", true);
+    return summary;
+}
+
+// Parallel lines swept across an S-curve, each with its crossings and their count.
+std::string drawLineSweep(svg::Panel& panel) {
+    const Style curve{"#1f2937", "none", 2.6, "", 1};
+    const Style lineStyle{"#9ca3af", "none", 1.1, "5 3", 1};
+    const Style mark{"#0f766e", "#5eead4", 1.4, "", 1};
+    const Point2d p[4] = {{0, 0}, {60, 200}, {160, -180}, {220, 20}};
+    const double slope = -0.15, left = -20, right = 240;
+    std::string summary = "FindBezierLineIntersection, lines y = -0.15 x + c:";
+    for (int i = 0; i < 9; ++i) {
+        const double c = -21 + 12 * i;
+        const Point2d line[2] = {{0, c}, {1, c + slope}};
+        std::vector<double> ts, ss;
+        CB::FindBezierLineIntersection(p, line, ts, ss, false);
+        const Point2d end{right, c + slope * right};
+        panel.polyline({{left, c + slope * left}, end}, lineStyle);
+        // s is the x coordinate here: the line runs one unit in x from s = 0 to 1.
+        for (double s : ss) panel.dot({s, c + slope * s}, 3.5, mark);
+        panel.label(end, std::to_string(ts.size()), 4, svg::Anchor::Start, 12, "#374151", 6);
+        summary += " " + std::to_string(ts.size());
+    }
+    panel.polyline(sampled(p), curve);
+    panel.legend(curve, "curve");
+    panel.legend(lineStyle, "lines of slope -0.15, crossings counted at the right");
+    panel.legend(mark, "L0 + s (L1 - L0)", true);
+    return summary + " crossings";
+}
+
+// A loop, the two parameter intervals DoesBezierSelfIntersect gives (each holds
+// one parameter of the double point) and the double point found by subdivision;
+// the same loop at a third of the size loses its pieces below one unit.
+std::string drawSelfIntersection(svg::Panel& panel) {
+    const Style curve{"#6b7280", "none", 1.4, "", 1};
+    const Style firstPiece{"#93c5fd", "none", 8, "", 1};
+    const Style secondPiece{"#f59e0b", "none", 3.5, "", 1};
+    const Style doublePoint{"#dc2626", "#ffffff", 2.2, "", 1};
+    const Point2d big[4] = {{0, 0}, {400, 300}, {-160, 300}, {240, 0}};
+    std::string summary;
+    for (int k = 0; k < 2; ++k) {
+        Point2d p[4];
+        const double scale = k == 0 ? 1 : 1.0 / 3;
+        const Vector2d shift{k == 0 ? 0.0 : 300.0, 0};
+        for (int i = 0; i < 4; ++i) p[i] = Point2d{big[i].x * scale, big[i].y * scale} + shift;
+        double t1a = 0, t1b = 0, t2a = 0, t2b = 0;
+        const bool loop = CB::DoesBezierSelfIntersect(p, t1a, t1b, t2a, t2b, false);
+        Point2d piece[4];
+        if (loop) {
+            CB::Subsection(t1a, t1b, p, piece);
+            panel.path(bezierPath(piece), firstPiece);
+            CB::Subsection(t2a, t2b, p, piece);
+            panel.path(bezierPath(piece), secondPiece);
+        }
+        panel.polyline(sampled(p), curve);
+        double s = 0, t = 0;
+        Point2d at{0, 0};
+        const double width = 240 * scale;
+        const std::string size = "ends " + brief(width) + " apart";
+        if (CB::FindBezierSelfIntersection(p, s, t, at)) {
+            panel.dot(at, 5, doublePoint);
+            panel.label(at, "B(" + brief(s) + ") = B(" + brief(t) + ")", 4, svg::Anchor::Start, 12, "#111827", 12);
+            summary += (k ? "; " : "") + size + ": s = " + brief(s) + ", t = " + brief(t) + " at (" + brief(at.x) +
+                       ", " + brief(at.y) + ")";
+        } else {
+            summary += (k ? "; " : "") + size + ": not found";
+        }
+        panel.label({shift.x + width / 2, 0}, size + (k ? ": not found" : ""), 18, svg::Anchor::Middle, 12,
+                    "#374151");
+    }
+    panel.legend(curve, "curve");
+    panel.legend(firstPiece, "first interval");
+    panel.legend(secondPiece, "second interval");
+    panel.legend(doublePoint, "double point", true);
+    return "FindBezierSelfIntersection, " + summary;
+}
+
+// Offsets of an arch toward its centre of curvature at two distances: where the
+// distance passes the radius of curvature the offset folds into a swallowtail,
+// whose two cusps FindOffsetCusps locates.
+std::string drawOffsetCusps(svg::Panel& panel) {
+    const Style curve{"#1f2937", "none", 2.6, "", 1};
+    const Style normal{"#9ca3af", "none", 1, "3 3", 1};
+    const Style onCurve{"#1f2937", "#ffffff", 1.4, "", 1};
+    const Point2d p[4] = {{0, 0}, {90, 180}, {110, 180}, {200, 0}};
+    Point2d a, b, c, d;
+    CB::GetPowerBasis(p, a, b, c, d);
+    struct Offset {
+        double distance;
+        Style line, cusp;
+    };
+    const Offset offsets[] = {{-35, {"#7c3aed", "none", 1.6, "", 1}, {"#7c3aed", "#7c3aed", 1, "", 1}},
+                              {-70, {"#059669", "none", 1.6, "", 1}, {"#059669", "#059669", 1, "", 1}}};
+    double radius = 0;
+    CB::GetCurvatureRadiusAt(0.5, a, b, c, radius);
+    std::string summary = "FindOffsetCusps on an arch of radius " + brief(std::abs(radius)) + " at its top:";
+    for (const Offset& o : offsets) {
+        std::vector<Point2d> line;
+        for (int i = 0; i <= 400; ++i) line.push_back(CB::MapToBezier(p, i / 400.0, o.distance, 1.0));
+        panel.polyline(line, o.line);
+        std::vector<double> ts;
+        CB::FindOffsetCusps(a, b, c, o.distance, ts);
+        for (double t : ts) {
+            const Point2d on = CB::Evaluate(a, b, c, d, t), cusp = CB::MapToBezier(p, t, o.distance, 1.0);
+            panel.polyline({on, cusp}, normal);
+            panel.dot(on, 3, onCurve);
+            panel.dot(cusp, 4, o.cusp);
+        }
+        panel.legend(o.line, "offset " + brief(o.distance));
+        summary += " d = " + brief(o.distance) + " at t = " + list(ts) + ";";
+    }
+    summary.pop_back();
+    panel.polyline(sampled(p), curve);
+    panel.legend(curve, "curve");
+    panel.legend(onCurve, "B(t) at a cusp parameter", true);
+    panel.legend(offsets[0].cusp, "cusp, in the colour of its offset", true);
+    return summary;
+}
+
 // One entry per family: the key printed in the summary, the panel title, and
 // the function that draws the panel and returns its one-line summary.
 struct PanelEntry {
@@ -411,6 +579,10 @@ const PanelEntry kPanels[] = {
     {"comb", "Curvature comb, inflections and curvature-extremum candidates", drawComb},
     {"closest", "Closest points on a cubic from a grid", drawClosest},
     {"length", "A cubic cut into ten pieces of equal length", drawEqualLength},
+    {"crossings", "Curve pairs and their crossings", drawCrossings},
+    {"sweep", "Parallel lines swept across a curve", drawLineSweep},
+    {"loop", "A loop and its double point", drawSelfIntersection},
+    {"cusps", "Offset cusps at two distances", drawOffsetCusps},
 };
 
 }  // namespace

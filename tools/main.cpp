@@ -35,6 +35,9 @@ int main(int argc, char** argv) {
         qtool::addSplitCommand(app, global),
         qtool::addCurveCommand(app, global),
         qtool::addFlattenCommand(app, global),
+        qtool::addIntersectCommand(app, global),
+        qtool::addSelfxCommand(app, global),
+        qtool::addCuspsCommand(app, global),
         qtool::addGalleryCommand(app, global),
     };
 
