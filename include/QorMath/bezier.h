@@ -108,6 +108,10 @@ QORMATH_API bool From3Points(tagPOINT out[4], const vector2dT<double, 1>& A, con
 // Parameters found as polynomial roots are in the stated range except near a
 // double root: there the solver's double-root probe can return a root of the
 // derivative just outside [0, 1] in its place. Filter where the range matters.
+// A root that falls exactly on a point where the isolation halves its interval
+// (t = 0.5 first) lands at the end of both halves and is missed: a point on a
+// mirror-symmetric curve at its middle can have no closest point, and a
+// crossing of mirror images at t = 0.5 can go unreported.
 
 /// Signed curvature (x′y″ − y′x″)/|B′|³ at t, positive where the curve turns
 /// counter-clockwise (y up). False at zero speed, curvature untouched.
