@@ -341,6 +341,40 @@ QORMATH_API bool FindOffsetCusps(const vector2dT<double, 1>& a, const vector2dT<
 QORMATH_API bool DoesFatlineIntersectLine(const vector2dT<double, 1>& p0, const vector2dT<double, 1>& p1,
                                           const vector2dT<double, 1>& q0, const vector2dT<double, 1>& q1, double w);
 
+// ---- Offset curves -----------------------------------------------------------
+// d is a signed distance: positive offsets to the left of the direction of
+// travel (the tangent turned a quarter counter-clockwise, y up).
+
+/// Whether offsetting by d is acceptable: true unless, at t = 0.5, 0.25 and
+/// 0.75 alike, the centre of curvature lies on the offset side nearer than |d|.
+/// A point without curvature, and d = 0, are always acceptable.
+QORMATH_API bool IsBezierValidForOffset(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
+                                        const vector2dT<double, 1>& c, double d);
+/// As above from control points.
+QORMATH_API bool IsBezierValidForOffset(const vector2dT<double, 1> points[4], double d);
+/// One cubic fitted (ends and end tangents kept) to the exact offset sampled at
+/// t = 0, 0.1, …, 1 and at the curvature extrema that are not nearly flat.
+/// status reads 0.5 after every completed fit (−1 before). True when the fit
+/// error, a squared distance, is below tolerance.
+QORMATH_API bool FindBezierOffsetCurve(const vector2dT<double, 1> points[4], vector2dT<double, 1> out[4], double d,
+                                       double tolerance, double& status);
+/// The parameters at which to cut the curve so that each piece's offset by d is
+/// one cubic within tolerance (a distance). Writes cuts ascending, 0 first and
+/// 1 last (cleared first); piece i is [cuts[i], cuts[i + 1]]. The curve is cut
+/// at its offset cusps, then pieces that IsBezierValidForOffset refuses or
+/// whose FindBezierOffsetCurve misses tolerance² are halved, down to pieces
+/// 1/64 of the parameter range wide (six halvings), which are kept as they are.
+/// True when every piece met the tolerance. Non-finite input gives {0, 1} and
+/// false (and OffsetBezier appends nothing).
+QORMATH_API bool GetSegmentsToOffset(const vector2dT<double, 1> points[4], double d, double tolerance,
+                                     std::vector<double>& cuts);
+/// The offset of the curve by d as a chain of cubics, one per piece of
+/// GetSegmentsToOffset, appended to out four points each (the pieces are fitted
+/// separately; consecutive ones meet at the same offset point up to rounding).
+/// Returns GetSegmentsToOffset's result.
+QORMATH_API bool OffsetBezier(const vector2dT<double, 1> points[4], double d, double tolerance,
+                              std::vector<vector2dT<double, 1>>& out);
+
 // ---- Flattening to lines -----------------------------------------------------
 // One segment to a polyline. No allocation; the output arrays are the caller's.
 
