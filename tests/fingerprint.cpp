@@ -330,6 +330,47 @@ void Intersect(Fingerprint& f) {
     }
 }
 
+void Fit(Fingerprint& f) {
+    Draw d;
+    std::vector<double> u, coefficients;
+    std::vector<vector2dT<double, 1>> offsets;
+    for (int i = 0; i < 300; ++i) {
+        vector2dT<double, 1> c[4], pts[24], out[4], out2[4];
+        d.Four(c, [&] { return d.Point(100); });
+        vector2dT<double, 1> a{}, b{}, cc{}, e{};
+        CubicBezier::GetPowerBasis(c, a, b, cc, e);
+        const int count = 2 + i % 22;
+        for (int j = 0; j < count; ++j) {
+            const vector2dT<double, 1> p = CubicBezier::Evaluate(a, b, cc, e, double(j) / (count - 1));
+            pts[j] = {p.x + d.In(-1, 1), p.y + d.In(-1, 1)};
+        }
+        const vector2dT<double, 0> t0 = c[1] - c[0], t1 = c[3] - c[2];
+        double worst = -1;
+        Calculate_u(pts, count, u);
+        f.Add(LeastSquares(pts, u.data(), count, t0, t1, out, 1 + i % 12, &worst, i % 3 ? -1.0 : 0.5));
+        f.Add(out), f.Add(worst);
+        f.Add(LeastSquares(pts, count, out, 1 + i % 9)), f.Add(out);
+        f.Add(LeastSquares(pts, count, count / 2, t0, t1, out, out2, 1 + i % 7)), f.Add(out), f.Add(out2);
+        f.Add(LeastSquares(pts, static_cast<unsigned long long>(count), coefficients));
+        TridiagonalMatrix m;
+        std::vector<double> rhs;
+        std::vector<vector2dT<double, 1>> points;
+        for (int j = 0; j < count; ++j) {
+            m.AddRow(d.In(-1, 1), d.In(3, 5), d.In(-1, 1));
+            rhs.push_back(d.In(-10, 10)), points.push_back(d.Point(10));
+        }
+        for (double x : m.Solve(rhs, false)) f.Add(x);
+        for (const auto& x : m.Solve(points, true)) f.Add(x);
+        const double distance = d.In(-40, 40);
+        f.Add(IsBezierValidForOffset(c, distance));
+        double status = 0;
+        f.Add(FindBezierOffsetCurve(c, out, distance, 0.01, status)), f.Add(out), f.Add(status);
+        if (i % 5 == 0) f.Add(OffsetBezier(c, distance, 0.1, offsets));
+    }
+    for (double x : coefficients) f.Add(x);
+    for (const auto& x : offsets) f.Add(x);
+}
+
 }  // namespace
 
 int main() {
@@ -338,7 +379,7 @@ int main() {
         void (*run)(Fingerprint&);
     } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds},
                     {"bezier", Bezier},  {"flatten", Flatten}, {"roots", Roots},
-                    {"analysis", Analysis}, {"intersect", Intersect}};
+                    {"analysis", Analysis}, {"intersect", Intersect}, {"fit", Fit}};
     for (const auto& family : families) {
         Fingerprint f;
         family.run(f);
