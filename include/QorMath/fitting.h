@@ -88,8 +88,8 @@ QORMATH_API void Calculate_u(const vector2dT<double, 1>* points, int count, std:
 /// alternated with a nearest-point reparameterisation of every point. Stops
 /// after maxIterations passes, when a pass has error below tolerance, or when
 /// a pass is more than twice as bad as the best; a pass that is no better, or
-/// needed a handle pointing backwards (replaced by 0.333 of the chord), is not
-/// kept. worstParameter (may be null) receives the parameter of the worst point
+/// needed a handle pointing backwards, is not kept (such a handle is replaced
+/// by 0.333·|D| / max(|D|, |startTangent|) tangent lengths, D the chord). worstParameter (may be null) receives the parameter of the worst point
 /// of the last pass measured. Two points give the chord thirds and error 0.
 QORMATH_API double LeastSquares(const vector2dT<double, 1>* points, double* u, int count,
                                 const vector2dT<double, 0>& startTangent, const vector2dT<double, 0>& endTangent,
