@@ -137,8 +137,29 @@ bool IsFinite(const Point points[4]) {
     return true;
 }
 
+// The fit is measured only at its samples. Between them, at the midpoints of
+// the eleven uniform ones, the exact offset must lie within tolerance of it too.
+bool StaysWithin(const PowerBasis& curve, double lo, double hi, double d, const Point offset[4],
+                 double tolerance2) {
+    const PowerBasis fitted = ToPowerBasis(offset);
+    for (int j = 0; j < 10; ++j) {
+        const double t = lo + (hi - lo) * ((j + 0.5) / 10);
+        const Point p = Evaluate(curve, t);
+        const Vector n = UnitTangent(curve, t);
+        const Point exact{p.x + d * -n.y, p.y + d * n.x};
+        double at = 0, distance2 = 0;
+        Point nearest{};
+        if (!CubicBezier::FindClosestPointOnBezier(fitted.a, fitted.b, fitted.c, fitted.d, exact, at, nearest,
+                                                   distance2) ||
+            !(distance2 <= tolerance2))
+            return false;
+    }
+    return true;
+}
+
 struct OffsetCutter {
     const Point* points;
+    PowerBasis curve;
     double d;
     double tolerance2;
     std::vector<double>& cuts;
@@ -151,7 +172,8 @@ struct OffsetCutter {
         CubicBezier::Subsection(lo, hi, points, piece);
         double status = 0;
         const bool valid = IsBezierValidForOffset(piece, d);
-        const bool fits = valid && FindBezierOffsetCurve(piece, offset, d, tolerance2, status);
+        const bool fits = valid && FindBezierOffsetCurve(piece, offset, d, tolerance2, status) &&
+                          StaysWithin(curve, lo, hi, d, offset, tolerance2);
         if (!fits && hi - lo > kMinimumPiece) {
             const double mid = (lo + hi) / 2;
             Cut(lo, mid);
@@ -177,7 +199,7 @@ bool CutForOffset(const Point points[4], double d, double tolerance, std::vector
     std::vector<double> cusps;
     CubicBezier::FindOffsetCusps(k.a, k.b, k.c, d, cusps);
     std::sort(cusps.begin(), cusps.end());
-    OffsetCutter cutter{points, d, tolerance * tolerance, cuts, fitted};
+    OffsetCutter cutter{points, k, d, tolerance * tolerance, cuts, fitted};
     double lo = 0.0;
     for (const double t : cusps) {
         if (!(t > lo && t < 1)) continue;

@@ -361,8 +361,10 @@ QORMATH_API bool FindBezierOffsetCurve(const vector2dT<double, 1> points[4], vec
 /// The parameters at which to cut the curve so that each piece's offset by d is
 /// one cubic within tolerance (a distance). Writes cuts ascending, 0 first and
 /// 1 last (cleared first); piece i is [cuts[i], cuts[i + 1]]. The curve is cut
-/// at its offset cusps, then pieces that IsBezierValidForOffset refuses or
-/// whose FindBezierOffsetCurve misses tolerance² are halved, down to pieces
+/// at its offset cusps, then pieces that IsBezierValidForOffset refuses, whose
+/// FindBezierOffsetCurve misses tolerance², or whose fitted cubic strays more
+/// than tolerance from the exact offset between the fit's samples (checked at
+/// ten midpoints by closest point) are halved, down to pieces
 /// 1/64 of the parameter range wide (six halvings), which are kept as they are.
 /// True when every piece met the tolerance. Non-finite input gives {0, 1} and
 /// false (and OffsetBezier appends nothing).
