@@ -9,9 +9,11 @@ both sides: lines (lines per curve, with its ratio ours/peer, "lines o/p"),
 max_dev and over_d (deviation from the curve), and the root-finding agreement
 (roots per polynomial, missed, extra, max_err), the analysis accuracy (mean_err, med_err,
 max_err, the peer's matched tol; closest-point agree, end_miss, other_miss,
-pair), and the intersection agreement (found, ref, missed, extra, end_miss,
-max_err) with the time of one item (per_item, a pair or a line). One table per
-Family; cases without a counterpart are listed after it.
+pair), the intersection agreement (found, ref, missed, extra, end_miss,
+max_err), the fit errors (sq_mean, sq_med, sq_max: squared distances) and the
+offsets (pieces per curve with its ratio, max_dev, over_tol, unmet), with the time of
+one item (per_item: a pair, a line, a fit or a curve). One table per Family;
+cases without a counterpart are listed after it.
 
   report.py build/bench/bench_matrix build/bench/bench_flatten ... [--min-time 0.2] [--filter REGEX]
   report.py results.json          (the output of --benchmark_format=json)
@@ -45,6 +47,12 @@ COUNTERS = [
     ("end_miss", "%d", False),
     ("other_miss", "%d", False),
     ("pair", "%.4f", False),
+    ("pieces", "%.2f", True),
+    ("over_tol", "%d", False),
+    ("unmet", "%d", False),
+    ("sq_mean", "%.2e", False),
+    ("sq_med", "%.2e", False),
+    ("sq_max", "%.2e", False),
 ]
 
 NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}

@@ -30,6 +30,8 @@ Command addCurveCommand(CLI::App& parent, const GlobalOptions& global);
 Command addIntersectCommand(CLI::App& parent, const GlobalOptions& global);
 Command addSelfxCommand(CLI::App& parent, const GlobalOptions& global);
 Command addCuspsCommand(CLI::App& parent, const GlobalOptions& global);
+Command addOffsetCommand(CLI::App& parent, const GlobalOptions& global);
+Command addFitCommand(CLI::App& parent, const GlobalOptions& global);
 Command addGalleryCommand(CLI::App& parent, const GlobalOptions& global);
 
 }  // namespace qtool

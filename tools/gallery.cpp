@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 
 #include "QorMath/bezier.h"
 #include "QorMath/bounds.h"
+#include "QorMath/fitting.h"
 #include "args.h"
 #include "commands.h"
 #include "output.h"
@@ -564,6 +566,149 @@ std::string drawOffsetCusps(svg::Panel& panel) {
     return summary;
 }
 
+// A seeded generator (splitmix64): the same noise on every platform, unlike the
+// distributions of <random>.
+class Noise {
+public:
+    explicit Noise(uint64_t seed) : state_(seed) {}
+    // Uniform in [-1, 1).
+    double next() {
+        uint64_t z = (state_ += 0x9E3779B97F4A7C15ull);
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+        z ^= z >> 31;
+        return double(z >> 11) * 0x1.0p-52 - 1.0;
+    }
+
+private:
+    uint64_t state_;
+};
+
+Vector2d unitTangent(const Point2d (&p)[4], double t) {
+    Point2d a, b, c, d;
+    CB::GetPowerBasis(p, a, b, c, d);
+    const Vector2d v = CB::SafeBezierTangent(t, a, b, c, d);
+    return v * (1 / Magnitude(v));
+}
+
+// count points of the curve at even steps of t, each moved by up to amplitude
+// in x and y.
+std::vector<Point2d> noisySamples(const Point2d (&p)[4], int count, double amplitude, Noise& noise) {
+    Point2d a, b, c, d;
+    CB::GetPowerBasis(p, a, b, c, d);
+    std::vector<Point2d> out;
+    for (int i = 0; i < count; ++i) {
+        const Point2d q = CB::Evaluate(a, b, c, d, double(i) / (count - 1));
+        const double dx = amplitude * noise.next(), dy = amplitude * noise.next();
+        out.push_back({q.x + dx, q.y + dy});
+    }
+    return out;
+}
+
+// Noisy samples of known curves and the cubics fitted to them: all four control
+// points free, the ends and end tangents fixed, and two cubics joined with a
+// continuous tangent for an S made of two pieces.
+std::string drawFit(svg::Panel& panel) {
+    const Style truth{"#9ca3af", "none", 1.4, "5 3", 1};
+    const Style fitted{"#2563eb", "none", 2.4, "", 1};
+    const Style second{"#ea580c", "none", 2.4, "", 1};
+    const Style data{"#111827", "#fde047", 1, "", 1};
+    const Style joint{"#dc2626", "#dc2626", 1, "", 1};
+    const Point2d arch[4] = {{0, 0}, {10, 120}, {120, 110}, {130, 10}};
+    const Point2d left[4] = {{200, 0}, {200, 80}, {260, 90}, {265, 45}};
+    const Point2d right[4] = {{265, 45}, {270, 0}, {330, 10}, {330, 90}};
+    const double amplitude = 3;
+    Noise noise(20240611);
+    std::string summary = "LeastSquares, 20 passes, noise up to " + brief(amplitude) + " in x and y; max distance:";
+    auto caption = [&](double x, const std::string& name, double error) {
+        panel.label({x, -8}, name, 18, svg::Anchor::Middle, 12, "#374151");
+        panel.label({x, -8}, "max distance " + brief(std::sqrt(error)), 33, svg::Anchor::Middle, 11, "#6b7280");
+        summary += std::string(summary.back() == ':' ? " " : "; ") + name + " " + brief(std::sqrt(error));
+    };
+    // The same arch twice: free, then with the true end tangents.
+    for (int k = 0; k < 2; ++k) {
+        const Vector2d shift{k == 0 ? -170.0 : 0.0, 0};
+        Point2d p[4];
+        for (int i = 0; i < 4; ++i) p[i] = arch[i] + shift;
+        const std::vector<Point2d> pts = noisySamples(p, 25, amplitude, noise);
+        Point2d out[4];
+        const double error = k == 0 ? QorMath::LeastSquares(pts.data(), int(pts.size()), out, 20)
+                                    : QorMath::LeastSquares(pts.data(), int(pts.size()), unitTangent(p, 0),
+                                                            unitTangent(p, 1), out, 20);
+        panel.polyline(sampled(p), truth);
+        panel.path(bezierPath(out), fitted);
+        for (const Point2d& q : pts) panel.dot(q, 2.2, data);
+        caption(shift.x + 65, k == 0 ? "free" : "end tangents fixed", error);
+    }
+    // Two pieces: the first 20 samples from the left cubic, 20 from the right.
+    std::vector<Point2d> pts = noisySamples(left, 20, amplitude, noise);
+    const std::vector<Point2d> more = noisySamples(right, 21, amplitude, noise);
+    pts.insert(pts.end(), more.begin() + 1, more.end());
+    Point2d out1[4], out2[4];
+    const double error = QorMath::LeastSquares(pts.data(), int(pts.size()), 20, unitTangent(left, 0),
+                                               unitTangent(right, 1), out1, out2, 20);
+    panel.polyline(sampled(left), truth);
+    panel.polyline(sampled(right), truth);
+    panel.path(bezierPath(out1), fitted);
+    panel.path(bezierPath(out2), second);
+    for (const Point2d& q : pts) panel.dot(q, 2.2, data);
+    panel.dot(out1[3], 4, joint);
+    caption(265, "two cubics", error);
+    panel.legend(truth, "curve sampled");
+    panel.legend(fitted, "fitted cubic");
+    panel.legend(second, "second cubic");
+    panel.legend(data, "noisy samples", true);
+    panel.legend(joint, "joint", true);
+    return summary;
+}
+
+// Offsets of two curves at several distances to both sides, each a chain of
+// cubics from OffsetBezier, with the cusps where the distance reaches the
+// radius of curvature.
+std::string drawOffsets(svg::Panel& panel) {
+    const Style curve{"#1f2937", "none", 2.6, "", 1};
+    const Style joint{"#374151", "#ffffff", 0.8, "", 1};
+    const Style cusp{"#dc2626", "#dc2626", 1, "", 1};
+    const Point2d curves[2][4] = {{{0, 0}, {40, 110}, {110, -70}, {160, 40}},
+                                  {{230, 0}, {255, 150}, {305, 150}, {330, 0}}};
+    const double distances[] = {8, 18, 30};
+    const Style colours[] = {
+        {"#2563eb", "none", 1.5, "", 1}, {"#059669", "none", 1.5, "", 1}, {"#d97706", "none", 1.5, "", 1}};
+    const double tolerance = 0.25;
+    std::string summary = "OffsetBezier, tolerance " + brief(tolerance) + ", pieces at";
+    int cusps = 0;
+    for (size_t k = 0; k < 3; ++k) {
+        size_t pieces = 0;
+        for (const auto& p : curves) {
+            Point2d a, b, c, d;
+            CB::GetPowerBasis(p, a, b, c, d);
+            for (const double dk : {distances[k], -distances[k]}) {
+                std::vector<Point2d> chain;
+                QorMath::OffsetBezier(p, dk, tolerance, chain);
+                pieces += chain.size() / 4;
+                svg::Path path;
+                for (size_t i = 0; i + 3 < chain.size(); i += 4) {
+                    if (i == 0) path.moveTo(chain[0]);
+                    path.cubicTo(chain[i + 1], chain[i + 2], chain[i + 3]);
+                    panel.dot(chain[i + 3], 1.6, joint);
+                }
+                panel.path(path, colours[k]);
+                std::vector<double> ts;
+                CB::FindOffsetCusps(a, b, c, dk, ts);
+                for (double t : ts) panel.dot(CB::MapToBezier(p, t, dk, 1.0), 3.5, cusp);
+                cusps += int(ts.size());
+            }
+        }
+        panel.legend(colours[k], "+/-" + brief(distances[k]));
+        summary += std::string(k ? "," : "") + " +/-" + brief(distances[k]) + ": " + std::to_string(pieces);
+    }
+    for (const auto& p : curves) panel.path(bezierPath(p), curve);
+    panel.legend(curve, "curve");
+    panel.legend(joint, "piece ends", true);
+    panel.legend(cusp, "offset cusp", true);
+    return summary + "; " + std::to_string(cusps) + " cusps";
+}
+
 // One entry per family: the key printed in the summary, the panel title, and
 // the function that draws the panel and returns its one-line summary.
 struct PanelEntry {
@@ -583,6 +728,8 @@ const PanelEntry kPanels[] = {
     {"sweep", "Parallel lines swept across a curve", drawLineSweep},
     {"loop", "A loop and its double point", drawSelfIntersection},
     {"cusps", "Offset cusps at two distances", drawOffsetCusps},
+    {"fit", "Cubics fitted to noisy samples", drawFit},
+    {"offsets", "Offsets at several distances, cusps marked", drawOffsets},
 };
 
 }  // namespace

@@ -38,6 +38,8 @@ int main(int argc, char** argv) {
         qtool::addIntersectCommand(app, global),
         qtool::addSelfxCommand(app, global),
         qtool::addCuspsCommand(app, global),
+        qtool::addOffsetCommand(app, global),
+        qtool::addFitCommand(app, global),
         qtool::addGalleryCommand(app, global),
     };
 
