@@ -1,12 +1,9 @@
-// Feeds arbitrary curves (coincident and collapsed control points, NaN,
-// infinities, huge and subnormal values, int32 extremes) and arbitrary queries to
-// every analysis function of the cubic Bezier: curvature, inflections, curvature
-// extrema, tangents, closest points, inversion, arc length and its inverse,
-// side, area and mapping. Nothing may crash, hang or trip a sanitizer. Beyond
-// that only what the contracts promise is checked: root counts within the
-// caller's capacity and nothing written past it; outputs left untouched on
-// failure; appended parameters in range and ascending, the vectors' earlier
-// contents kept; the exact end values of the length functions.
+// Feeds arbitrary curves (coincident and collapsed control points, NaN, infinities, huge and subnormal values, int32
+// extremes) and arbitrary queries to every analysis function of the cubic Bezier: curvature, inflections, curvature
+// extrema, tangents, closest points, inversion, arc length and its inverse, side, area and mapping. Nothing may crash,
+// hang or trip a sanitizer. Beyond that only what the contracts promise is checked: root counts within the caller's
+// capacity and nothing written past it; outputs left untouched on failure; appended parameters in range and ascending,
+// the vectors' earlier contents kept; the exact end values of the length functions.
 
 #include <cfloat>
 #include <cmath>
@@ -23,10 +20,11 @@ using namespace QorMath;
 using namespace QorMath::CubicBezier;
 using P = vector2dT<double, 1>;
 using V = vector2dT<double, 0>;
+using namespace qfuzz;
 
-class Input : public qfuzz::ByteReader {
+class Input : public qfuzz::Reader<Input> {
 public:
-    using ByteReader::ByteReader;
+    using Reader::Reader;
     double D() {
         static const double k[] = {0.0, -0.0, 1.0, -1.0, 0.5, 2.0, 0.25, 0.75, 1e-7, 1e-9, DBL_EPSILON, DBL_MIN,
                                    4.9e-324, 1e-310, DBL_MAX, -DBL_MAX, kInf, -kInf, kNaN, 2147483647.0,
@@ -39,72 +37,17 @@ public:
                                     -1073741824, 46341, -46341, 100, 3, 65536, -65536};
         return Tagged(k, 64, 176, 8);
     }
-    // A parameter: mostly inside [0, 1], sometimes anything.
-    double T() {
-        const uint8_t tag = Byte();
-        return tag < 192 ? tag / 191.0 : D();
-    }
-    P Pt() { return {D(), D()}; }
-    tagPOINT IPt() { return {I(), I()}; }
-    // Four control points, then some of them made to coincide: the low six bits
-    // of a byte say which point copies its predecessor's coordinates (or one of
-    // them, for axis-aligned handles).
-    template <typename Pt, typename Read>
-    void Curve(Pt p[4], Read read) {
-        for (int i = 0; i < 4; ++i) p[i] = read();
-        const uint8_t mask = Byte();
-        for (int i = 1; i < 4; ++i) {
-            if (mask & (1 << i)) p[i] = p[i - 1];
-            if (mask & (8 << i)) p[i].x = p[i - 1].x;
-        }
-        if (mask & 0x80) p[3] = p[0];  // closed
-    }
-    void Curve(P p[4]) { Curve(p, [this] { return Pt(); }); }
-    void Curve(tagPOINT p[4]) { Curve(p, [this] { return IPt(); }); }
     LengthAccuracy Accuracy() {  // any int32, not only the tabulated counts
         const uint8_t tag = Byte();
         return static_cast<LengthAccuracy>(tag < 224 ? tag % 20 : I());
     }
 };
 
-template <typename T>
-bool Same(const T& x, const T& y) { return std::memcmp(&x, &y, sizeof(T)) == 0; }  // bitwise: NaN matches NaN
-bool Within(double v, double lo, double hi) { return !(v < lo) && !(v > hi); }      // NaN passes
-
-constexpr int kGuards = 4;
-constexpr double kGuard = -98765.4321, kMarker = 123.25, kInf = qfuzz::ByteReader::kInf;
-// The root arrays and vectors filled by the solvers of degree 3 and up are not
-// held to [0, 1] nor to ascending order: their Newton probe for a double root
-// starts just left of 0 and may land on a root of p′ outside. So a curve whose
-// speed vanishes at ±2.2e-5 gets the curvature-extremum candidate −2.2e-5, and
-// P = (0, −0.25), (0.25, 0), (0, −1), (1, 0) with p = (0, 0), whose tangent
-// quartic is −3/16·(t + 1)²·(3t − 1)², gets t = −1 alone from
-// FindTangentsToPoint. Only the quadratic ones (vertical, horizontal, parallel)
-// are checked for range and order.
-
-// solve(out) with room for `capacity` roots and guards after it: the count is
-// within the capacity and the guards survive.
-template <typename F>
-int Roots(int capacity, F solve) {
-    std::vector<double> r(size_t(capacity + kGuards), kGuard);
-    const int count = solve(r.data());
-    CHECK(count >= 0 && count <= capacity);
-    for (int i = capacity; i < capacity + kGuards; ++i) CHECK(Same(r[size_t(i)], kGuard));
-    return count;
-}
-
-// fill(v) on a vector holding `before` markers, returning how many values it
-// may append: the markers are kept, and what was appended is in [lo, hi] (NaN
-// aside), ascending if `sorted` (the quadratic solver's roots; a probed double
-// root of the higher degrees comes after the others, wherever it lies).
-template <typename F>
-void Appended(size_t before, F fill, double lo = 0, double hi = 1, bool sorted = true) {
-    std::vector<double> v(before, kMarker);
-    const size_t most = fill(v);
-    CHECK(v.size() >= before && v.size() - before <= most);
-    for (size_t i = 0; i < before; ++i) CHECK(Same(v[i], kMarker));
-    for (size_t i = before; i < v.size(); ++i) CHECK(Within(v[i], lo, hi) && (!sorted || i == before || !(v[i] < v[i - 1])));
-}
+// The root arrays and vectors filled by the solvers of degree 3 and up are not held to [0, 1] nor to ascending order:
+// their Newton probe for a double root starts just left of 0 and may land on a root of p′ outside. So a curve whose
+// speed vanishes at ±2.2e-5 gets the curvature-extremum candidate −2.2e-5, and P = (0, −0.25), (0.25, 0), (0, −1),
+// (1, 0) with p = (0, 0), whose tangent quartic is −3/16·(t + 1)²·(3t − 1)², gets t = −1 alone from
+// FindTangentsToPoint. Only the quadratic ones (vertical, horizontal, parallel) are checked for range and order.
 
 // call(t, nearest, dd) on outputs holding markers: on failure they are left untouched.
 template <typename Pt>
@@ -118,9 +61,8 @@ struct Nearest {
     bool ok;
 };
 
-// The closest-point forms taking control points, double or integer: one result
-// as above; all stationary points appended after `before` entries, the three
-// vectors growing alike.
+// The closest-point forms taking control points, double or integer: one result as above; all stationary points appended
+// after `before` entries, the three vectors growing alike.
 template <typename Pt>
 void ClosestForms(const Pt pts[4], const Pt& p, size_t before, const Pt& kept) {
     const Nearest<Pt> one(kept, [&](double& t, Pt& at, double& dd) { return FindClosestPointOnBezier(pts, p, t, at, dd); });
@@ -136,17 +78,16 @@ void ClosestForms(const Pt pts[4], const Pt& p, size_t before, const Pt& kept) {
         return 7;
     }, -kInf, kInf, false);
 }
-// The length functions' ends are exact zeros; the pieces of a reversed or
-// extrapolated range integrate over [0, 1] too, so only NaN parameters are
-// excused from a non-negative length.
+// The length functions' ends are exact zeros; the pieces of a reversed or extrapolated range integrate over [0, 1] too,
+// so only NaN parameters are excused from a non-negative length.
 template <typename Pt>
 void LengthEnds(const Pt pts[4], double u) {
     CHECK(LengthTo(0.0, pts) == 0.0 && LengthFrom(1.0, pts) == 0.0);
     CHECK(!(LengthTo(u, pts) < 0) && !(LengthFrom(u, pts) < 0));
 }
 
-// The curve as control points and in power basis; the basis either from the
-// points or read directly (so that a may be large while b, c are tiny, etc.).
+// The curve as control points and in power basis; the basis either from the points or read directly (so that a may be
+// large while b, c are tiny, etc.).
 struct Curve {
     P pts[4], a, b, c, d;
     bool finite = true;
@@ -167,9 +108,9 @@ void Curvature(Input& in, const Curve& k) {
     if (!GetCurvatureAt(t, k.a, k.b, k.c, curvature)) CHECK(Same(curvature, kMarker));
     if (!GetCurvatureRadiusAt(t, k.a, k.b, k.c, radius)) CHECK(radius == DBL_MAX || radius == -DBL_MAX);
     (void)SafeBezierCurvature(t, k.a, k.b, k.c);
-    const int n = Roots(2, [&](double* out) { return BezierInflectionPoints(k.a, k.b, k.c, out); });
+    const int n = Guarded(2, [&](double* out) { return BezierInflectionPoints(k.a, k.b, k.c, out); });
     CHECK(n == 0 || n == 2);
-    Roots(13, [&](double* out) { return FindCurvatureMinMax(k.a, k.b, k.c, out); });
+    Guarded(13, [&](double* out) { return FindCurvatureMinMax(k.a, k.b, k.c, out); });
 }
 
 void Tangents(Input& in, const Curve& k) {
@@ -185,15 +126,14 @@ void Tangents(Input& in, const Curve& k) {
         return everywhere ? 0 : 2;
     });
     const P x = in.Pt();
-    Roots(7, [&](double* out) { return FindTangentsToPoint(k.a, k.b, k.c, k.d, x, out); });
+    Guarded(7, [&](double* out) { return FindTangentsToPoint(k.a, k.b, k.c, k.d, x, out); });
 }
 
 void Closest(Input& in, const Curve& k) {
     const P p = in.Pt(), kept{kMarker, -kMarker};
     const Nearest<P> basis(kept, [&](double& t, P& at, double& dd) { return FindClosestPointOnBezier(k.a, k.b, k.c, k.d, p, t, at, dd); });
-    // A root is taken only while its squared distance is below the last, which
-    // starts at DBL_MAX: when every one overflows (or is NaN) the call still
-    // succeeds, with t and nearest untouched and DBL_MAX.
+    // A root is taken only while its squared distance is below the last, which starts at DBL_MAX: when every one
+    // overflows (or is NaN) the call still succeeds, with t and nearest untouched and DBL_MAX.
     const bool noneBelowMax = Same(basis.t, kMarker) && Same(basis.at, kept) && basis.dd == DBL_MAX;
     if (basis.ok && k.finite && std::isfinite(p.x) && std::isfinite(p.y) && !noneBelowMax)
         CHECK(std::isfinite(basis.t) && !(basis.dd < 0));
@@ -225,9 +165,9 @@ void Lengths(Input& in, const Curve& k) {
 
 void SideAreaMap(Input& in, const Curve& k) {
     const P p = in.Pt();
-    // Whether the closest point is one at all: see Closest on squared distances
-    // that all overflow. Then the five-output form sees the caller's t (here
-    // outside [0, 1], so it fails), the one-result form its own starting values.
+    // Whether the closest point is one at all: see Closest on squared distances that all overflow. Then the
+    // five-output form sees the caller's t (here outside [0, 1], so it fails), the one-result form its own starting
+    // values.
     const Nearest<P> n({kMarker, kMarker}, [&](double& t, P& at, double& dd) { return FindClosestPointOnBezier(k.a, k.b, k.c, k.d, p, t, at, dd); });
     const bool found = n.ok && !Same(n.t, kMarker);
     double t = kMarker, dd = kMarker;
@@ -242,20 +182,19 @@ void SideAreaMap(Input& in, const Curve& k) {
     (void)MapToBezier(k.pts, in.T(), in.D(), in.D());
 }
 
+template <void (*F)(Input&, const Curve&)>
+void On(Input& in) {
+    F(in, Curve(in));
+}
+void All(Input& in) {  // everything on one curve
+    const Curve k(in);
+    for (auto f : {Curvature, Tangents, Closest, Lengths, SideAreaMap}) f(in, k);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static void (*const ops[])(Input&, const Curve&) = {Curvature, Tangents, Closest, Lengths, SideAreaMap};
-    Input in(data, size);
-    for (int op = 0; op < 16 && in.Left() > 0; ++op) {
-        const uint8_t which = in.Byte() % 7;
-        if (which == 6) {
-            ClosestInteger(in);
-            continue;
-        }
-        const Curve k(in);
-        if (which < 5) ops[which](in, k);
-        else for (auto f : ops) f(in, k);  // everything on one curve
-    }
-    return 0;
+    static void (*const ops[])(Input&) = {On<Curvature>, On<Tangents>, On<Closest>,   On<Lengths>,
+                                          On<SideAreaMap>, All,         ClosestInteger};
+    return qfuzz::Run(data, size, ops, 16);
 }

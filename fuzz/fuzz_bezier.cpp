@@ -1,10 +1,8 @@
-// Feeds arbitrary numbers (NaN, infinities, subnormals, huge and int32-extreme
-// values) to the cubic Bezier core (split, subsection, construction from three
-// points, flattening) and to the internal polynomial root solvers of every
-// degree. Nothing may crash, hang or trip a sanitizer. Beyond that only what the
-// contracts promise is checked: root counts within 0..degree + 2 and nothing
-// written past them; pieces that share a point agree on it and keep the copied
-// end points; line counts and the copied end points of the flattening.
+// Feeds arbitrary numbers (NaN, infinities, subnormals, huge and int32-extreme values) to the cubic Bezier core (split,
+// subsection, construction from three points, flattening) and to the internal polynomial root solvers of every degree.
+// Nothing may crash, hang or trip a sanitizer. Beyond that only what the contracts promise is checked: root counts
+// within 0..degree + 2 and nothing written past them; pieces that share a point agree on it and keep the copied end
+// points; line counts and the copied end points of the flattening.
 
 #include <algorithm>
 #include <cfloat>
@@ -25,9 +23,9 @@ using namespace QorMath::CubicBezier;
 using P = vector2dT<double, 1>;
 using V = vector2dT<double, 0>;
 
-class Input : public qfuzz::ByteReader {
+class Input : public qfuzz::Reader<Input> {
 public:
-    using ByteReader::ByteReader;
+    using Reader::Reader;
     double D() {
         static const double k[] = {0.0, -0.0, 1.0, -1.0, 0.5, 2.0, 0.25, 0.75, 1e-7, 1e-9, DBL_EPSILON, DBL_MIN,
                                    4.9e-324, 1e-310, DBL_MAX, -DBL_MAX, kInf, -kInf, kNaN, 2147483647.0,
@@ -40,43 +38,22 @@ public:
                                     -1073741824, 650, 649, 160, 159, 30, 29};
         return Tagged(k, 64, 176, 8);
     }
-    // A parameter: mostly inside [0, 1], sometimes anything.
-    double T() {
-        const uint8_t tag = Byte();
-        return tag < 192 ? tag / 191.0 : D();
-    }
     // A line count or maximum around the range callers use: -4 .. 4091.
     int Count() {
         const int low = Byte(), high = Byte() & 0x0f;
         return (low | high << 8) - 4;
     }
-    P Pt() { return {D(), D()}; }
-    tagPOINT IPt() { return {I(), I()}; }
-    void Curve(P p[4]) {
-        for (int i = 0; i < 4; ++i) p[i] = Pt();
-    }
-    void Curve(tagPOINT p[4]) {
-        for (int i = 0; i < 4; ++i) p[i] = IPt();
-    }
 };
 
 template <typename T>
-bool Same(const T* x, const T* y, size_t n = 1) {  // bitwise, so NaN matches NaN
-    return std::memcmp(x, y, n * sizeof(T)) == 0;
-}
+bool Same(const T* x, const T* y, size_t n = 1) { return qfuzz::SameN(x, y, n); }
 
 // ---- root solvers ------------------------------------------------------------
-
-constexpr int kGuards = 4;
-constexpr double kGuard = -98765.4321;
 
 // Room for degree + 2 roots, then guard values that must survive.
 void CheckedSolve(const std::vector<double>& c, bool ends) {
     const int n = int(c.size()) - 1;
-    std::vector<double> r(n + 2 + kGuards, kGuard);
-    const int count = qtest::SolveByDegree(c.data(), n, r.data(), ends);
-    CHECK(count >= 0 && count <= n + 2);
-    for (int i = n + 2; i < n + 2 + kGuards; ++i) CHECK(Same(&r[i], &kGuard));
+    qfuzz::Guarded(n + 2, [&](double* r) { return qtest::SolveByDegree(c.data(), n, r, ends); });
 }
 
 void Roots(Input& in) {
@@ -86,8 +63,8 @@ void Roots(Input& in) {
     if (in.Byte() & 1) {
         for (double& v : c) v = in.D();
     } else {
-        // lead·Π(t − rᵢ) with roots on a 1/256 grid around [0, 1]: multiple and
-        // clustered roots, roots at and next to the ends.
+        // lead·Π(t − rᵢ) with roots on a 1/256 grid around [0, 1]: multiple and clustered roots, roots at and
+        // next to the ends.
         std::vector<long double> p{in.D()};
         for (int i = 0; i < n; ++i) {
             long double root = (int(in.Byte()) - 32) / 192.0L;
@@ -109,13 +86,12 @@ void Roots(Input& in) {
 
 // ---- split, subsection, construction -------------------------------------------
 
-// The integer forms round the double ones once at the end, so the same promises
-// hold for both. Split(t0, t1) writes LeftOf(t0), then Subsection(t0, t1) over
-// out[3], then RightOf(t1) over out[6].
+// The integer forms round the double ones once at the end, so the same promises hold for both. Split(t0, t1) writes
+// LeftOf(t0), then Subsection(t0, t1) over out[3], then RightOf(t1) over out[6].
 template <typename Pt>
 void Splits(Input& in) {
     Pt pts[4], left[4], right[4], seven[7], ten[10], piece[4];
-    in.Curve(pts);
+    in.Read(pts, 4);
     const double t = in.T(), t0 = in.T(), t1 = in.T();
     Split(t, pts, left, right);
     CHECK(Same(left, pts) && Same(right + 3, pts + 3) && Same(left + 3, right));
@@ -146,7 +122,7 @@ void Construction(Input& in) {
     From3Points(out, a, m, b, in.Byte() & 1);
     CHECK(keepsEnds(out));
     const V s{in.D(), in.D()}, e{in.D(), in.D()};
-    for (tagPOINT& p : kept) p = in.IPt();
+    in.Read(kept, 4);
     std::memcpy(out, kept, sizeof out);
     CHECK(From3Points(out, a, s, m, b, e) ? keepsEnds(out) : Same(out, kept, 4));
 }
@@ -156,12 +132,12 @@ void Construction(Input& in) {
 // CalculateNumBezierLines gives m, m / 2, m / 4 or m / 8.
 bool SizeClass(int lines, int m) { return lines == m || lines == m / 2 || lines == m / 4 || lines == m / 8; }
 
-// Outputs are sized exactly as the contract asks, so that AddressSanitizer sees
-// any write past them: maximum + 1 points, n + 1 for the uniform form.
+// Outputs are sized exactly as the contract asks, so that AddressSanitizer sees any write past them: maximum + 1
+// points, n + 1 for the uniform form.
 template <typename Pt>
 void Flatten(Input& in) {
     Pt pts[4];
-    in.Curve(pts);
+    in.Read(pts, 4);
     const int m = in.I();
     CHECK(SizeClass(CalculateNumBezierLines(pts, m), m));
 
@@ -187,10 +163,9 @@ void Flatten(Input& in) {
         CHECK(SizeClass(CalculateNumBezierLines(box, boxMaximum), boxMaximum));
     }
 
-    // A huge maximum with a tolerance far above the curve's squared size: the
-    // first flatness tests pass, so only a few lines come out although the room is
-    // much smaller than maximum + 1. Integer-valued coordinates keep every chord
-    // either zero or far from underflow.
+    // A huge maximum with a tolerance far above the curve's squared size: the first flatness tests pass, so only a
+    // few lines come out although the room is much smaller than maximum + 1. Integer-valued coordinates keep every
+    // chord either zero or far from underflow.
     using C = decltype(Pt::x);
     Pt small[4];
     for (Pt& p : small) p = {C(static_cast<int8_t>(in.Byte()) * 4096), C(static_cast<int8_t>(in.Byte()) * 4096)};
@@ -203,16 +178,7 @@ void Flatten(Input& in) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    Input in(data, size);
-    for (int op = 0; op < 32 && in.Left() > 0; ++op) {
-        switch (in.Byte() % 6) {
-            case 0: Roots(in); break;
-            case 1: Splits<P>(in); break;
-            case 2: Splits<tagPOINT>(in); break;
-            case 3: Construction(in); break;
-            case 4: Flatten<P>(in); break;
-            default: Flatten<tagPOINT>(in); break;
-        }
-    }
-    return 0;
+    static void (*const ops[])(Input&) = {Roots,        Splits<P>,  Splits<tagPOINT>,
+                                          Construction, Flatten<P>, Flatten<tagPOINT>};
+    return qfuzz::Run(data, size, ops, 32);
 }

@@ -1,8 +1,7 @@
-// Feeds arbitrary numbers (NaN, infinities, subnormals, huge and int32-extreme
-// values) to every exported function of the matrix, angle, rectangle, box,
-// ellipse, point-set and line-fitting families. Nothing may crash, hang or trip
-// a sanitizer; where two entry points must agree (a bulk path and its per-point
-// form, a box and the points it bounds) a disagreement aborts too.
+// Feeds arbitrary numbers (NaN, infinities, subnormals, huge and int32-extreme values) to every exported function of
+// the matrix, angle, rectangle, box, ellipse, point-set and line-fitting families. Nothing may crash, hang or trip a
+// sanitizer; where two entry points must agree (a bulk path and its per-point form, a box and the points it bounds) a
+// disagreement aborts too.
 
 #include <algorithm>
 #include <cfloat>
@@ -22,9 +21,9 @@ using namespace QorMath;
 using P = vector2dT<double, 1>;
 using V = vector2dT<double, 0>;
 
-class Input : public qfuzz::ByteReader {
+class Input : public qfuzz::Reader<Input> {
 public:
-    using ByteReader::ByteReader;
+    using Reader::Reader;
     double D() {
         static const double k[] = {0.0, -0.0, 1.0, -1.0, 0.5, 2.0, Pi, TwoPi, Pi / 2, DBL_EPSILON, DBL_MIN,
                                    4.9e-324, DBL_MAX, -DBL_MAX, kInf, -kInf, kNaN, 2147483647.0, -2147483648.0,
@@ -37,9 +36,7 @@ public:
                                     -360000000, 90000000, 180000000, 270000000, 450000000, 536870912, 46341};
         return Tagged(k, 96, 160, 1);
     }
-    P Pt() { return {D(), D()}; }
     V Vec() { return {D(), D()}; }
-    tagPOINT IPt() { return {I(), I()}; }
     tagRECT IRect() { return {I(), I(), I(), I()}; }
     BoundsT<double> Box() { return {D(), D(), D(), D()}; }
     MATRIX M() { return {D(), D(), D(), D(), D(), D()}; }
@@ -48,20 +45,12 @@ public:
         const size_t n = Byte() % 33;
         return std::min(n, Left());
     }
-    std::vector<P> Pts() { return Fill<P>(&Input::Pt); }
-    std::vector<tagPOINT> IPts() { return Fill<tagPOINT>(&Input::IPt); }
-
-private:
-    template <typename T>
-    std::vector<T> Fill(T (Input::*next)()) {
-        std::vector<T> v(Count());
-        for (auto& x : v) x = (this->*next)();
-        return v;
-    }
+    std::vector<P> Pts() { return Points<P>(Count()); }
+    std::vector<tagPOINT> IPts() { return Points<tagPOINT>(Count()); }
 };
 
+using qfuzz::Same;
 bool Same(double u, double w) { return (std::isnan(u) && std::isnan(w)) || std::memcmp(&u, &w, sizeof u) == 0; }
-bool Same(const tagRECT& r, const tagRECT& s) { return std::memcmp(&r, &s, sizeof r) == 0; }
 bool Contains(const tagRECT& r, const tagPOINT& p) {
     return r.left <= p.x && p.x <= r.right && r.bottom <= p.y && p.y <= r.top;
 }
@@ -166,7 +155,7 @@ void Angles(Input& in) {
     std::vector<tagPOINT> pts = in.IPts(), orig = pts;
     const double angle = in.D();
     Radians::RotatePoints(pts.data(), pts.size(), angle, c);
-    if (std::fabs(angle) <= DBL_EPSILON) CHECK(pts.empty() || std::memcmp(pts.data(), orig.data(), pts.size() * sizeof pts[0]) == 0);
+    if (std::fabs(angle) <= DBL_EPSILON) CHECK(pts.empty() || qfuzz::SameN(pts.data(), orig.data(), pts.size()));
     Degrees::RotatePoints(pts.data(), pts.size(), in.D(), c);
 }
 
@@ -249,17 +238,7 @@ void PointSets(Input& in) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    Input in(data, size);
-    for (int op = 0; op < 64 && in.Left() > 0; ++op) {
-        switch (in.Byte() % 7) {
-            case 0: MatrixMembers(in); break;
-            case 1: BulkTransforms(in); break;
-            case 2: Builders(in); break;
-            case 3: Angles(in); break;
-            case 4: Rectangles(in); break;
-            case 5: Boxes(in); break;
-            default: PointSets(in); break;
-        }
-    }
-    return 0;
+    static void (*const ops[])(Input&) = {MatrixMembers, BulkTransforms, Builders, Angles,
+                                          Rectangles,    Boxes,          PointSets};
+    return qfuzz::Run(data, size, ops, 64);
 }

@@ -1,20 +1,17 @@
-// Feeds arbitrary curves, lines and distances (NaN, infinities, huge and
-// subnormal values, int32 extremes, coarse integer coordinates that let the loop
-// search recurse to the bottom) to the intersection family of the cubic Bezier:
-// implicit form, line and vertical-line intersection, segment test, curve/curve
-// intersection, fat lines, self-intersection and offset cusps. Nothing may
-// crash, hang or trip a sanitizer. Beyond that only what the contracts promise is
-// checked: result vectors kept parallel, cleared or appended to as promised,
-// bool results that agree with the vectors; the integer forms equal to the
-// double forms on the converted points, to the bit; loop intervals clamped and
-// ordered, the double point's parameters in [0, 1]; offset cusps only on the side
-// the offset moves to, none for d = 0; fat lines that only grow with w.
+// Feeds arbitrary curves, lines and distances (NaN, infinities, huge and subnormal values, int32 extremes, coarse
+// integer coordinates that let the loop search recurse to the bottom) to the intersection family of the cubic Bezier:
+// implicit form, line and vertical-line intersection, segment test, curve/curve intersection, fat lines,
+// self-intersection and offset cusps. Nothing may crash, hang or trip a sanitizer. Beyond that only what the contracts
+// promise is checked: result vectors kept parallel, cleared or appended to as promised, bool results that agree with
+// the vectors; the integer forms equal to the double forms on the converted points, to the bit; loop intervals clamped
+// and ordered, the double point's parameters in [0, 1]; offset cusps only on the side the offset moves to, none for
+// d = 0; fat lines that only grow with w.
 
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "QorMath/bezier.h"
@@ -23,11 +20,12 @@
 namespace {
 using namespace QorMath;
 using namespace QorMath::CubicBezier;
+using namespace qfuzz;
 using P = vector2dT<double, 1>;
 
-class Input : public qfuzz::ByteReader {
+class Input : public qfuzz::Reader<Input> {
 public:
-    using ByteReader::ByteReader;
+    using Reader::Reader;
     double D() {
         static const double k[] = {0.0, -0.0, 1.0, -1.0, 0.5, 2.0, 1e-7, DBL_EPSILON, DBL_MIN, 4.9e-324,
                                    DBL_MAX, -DBL_MAX, kInf, -kInf, kNaN, 2147483647.0, -2147483648.0, 1e300,
@@ -50,47 +48,32 @@ public:
         const int low = Byte();
         return static_cast<int16_t>(low | Byte() << 8);
     }
-    P Pt() {
-        const double x = D();
-        return {x, D()};
-    }
-    tagPOINT IPt() {
-        const int32_t x = I();
-        return {x, I()};
-    }
-    // Four points, then some made to coincide (low bits: a point copies its
-    // predecessor, or only its x) or the curve closed (top bit).
-    template <typename Pt, typename Read>
-    void Curve(Pt p[4], Read read) {
-        for (int i = 0; i < 4; ++i) p[i] = read();
-        const uint8_t mask = Byte();
-        for (int i = 1; i < 4; ++i) {
-            if (mask & (1 << i)) p[i] = p[i - 1];
-            if (mask & (8 << i)) p[i].x = p[i - 1].x;
-        }
-        if (mask & 0x80) p[3] = p[0];
-    }
-    void Curve(P p[4]) { Curve(p, [this] { return Pt(); }); }
-    void Curve(tagPOINT p[4]) { Curve(p, [this] { return IPt(); }); }
 };
 
-template <typename T>
-bool Same(const T& x, const T& y) { return std::memcmp(&x, &y, sizeof(T)) == 0; }  // bitwise: NaN matches NaN
-bool Within(double v, double lo, double hi) { return !(v < lo) && !(v > hi); }      // NaN passes
-bool Finite(const P* p, int n) {
-    for (int i = 0; i < n; ++i)
-        if (!std::isfinite(p[i].x) || !std::isfinite(p[i].y)) return false;
-    return true;
-}
-template <size_t N>
-void ToDouble(const tagPOINT (&q)[N], P (&p)[N]) {
+// Points of either kind as doubles: the integer forms convert them so.
+template <typename Pt, size_t N>
+void ToDouble(const Pt (&q)[N], P (&p)[N]) {
     for (size_t i = 0; i < N; ++i) p[i] = {double(q[i].x), double(q[i].y)};
 }
+template <typename Pt>
+constexpr bool kInteger = std::is_same_v<Pt, tagPOINT>;
 
-constexpr double kMarker = 123.25;
-// Root counts: a cubic gives at most 3 roots plus 2 end duplicates; the
-// degree-9 substitution at most 9 (+2); the degree-12 cusp polynomial 14.
+// Root counts: a cubic gives at most 3 roots plus 2 end duplicates; the degree-9 substitution at most 9 (+2); the
+// degree-12 cusp polynomial 14.
 constexpr size_t kCubicMost = 5, kCurvesMost = 11, kCuspsMost = 14;
+
+// The implicit form vanishes identically for a curve without a t³ term (as long as no product overflows).
+void Implicit(Input& in) {
+    P a = in.Pt(), b = in.Pt(), c = in.Pt(), d = in.Pt();
+    if (in.Byte() & 1) a = {0.0, 0.0};
+    double k[10];
+    std::fill(k, k + 10, kMarker);
+    ConvertBezierToImplicit(a, b, c, d, k[0], k[1], k[2], k[3], k[4], k[5], k[6], k[7], k[8], k[9]);
+    bool moderate = true;
+    for (const P& v : {a, b, c, d}) moderate = moderate && std::fabs(v.x) <= 1e40 && std::fabs(v.y) <= 1e40;
+    if (a.x == 0 && a.y == 0 && moderate)
+        for (double v : k) CHECK(v == 0);
+}
 
 struct LineResult {
     std::vector<double> t, s;
@@ -104,50 +87,32 @@ LineResult Line(const Pt curve[4], const Pt line[2], bool ends, size_t before) {
     return r;
 }
 
-// The implicit form vanishes identically for a curve without a t³ term (as long
-// as no product overflows).
-void Implicit(Input& in) {
-    P a = in.Pt(), b = in.Pt(), c = in.Pt(), d = in.Pt();
-    if (in.Byte() & 1) a = {0.0, 0.0};
-    double k[10];
-    std::fill(k, k + 10, kMarker);
-    ConvertBezierToImplicit(a, b, c, d, k[0], k[1], k[2], k[3], k[4], k[5], k[6], k[7], k[8], k[9]);
-    bool moderate = true;
-    for (const P& v : {a, b, c, d}) moderate = moderate && std::fabs(v.x) <= 1e40 && std::fabs(v.y) <= 1e40;
-    if (a.x == 0 && a.y == 0 && moderate)
-        for (double v : k) CHECK(v == 0);
-}
-
+template <typename Pt>
 void Lines(Input& in) {
-    P curve[4], line[2] = {in.Pt(), in.Pt()};
+    Pt curve[4], line[2];
+    in.Read(line, 2);
     in.Curve(curve);
     const uint8_t flags = in.Byte();
     if (flags & 1) line[1] = line[0];
     const bool ends = flags & 2;
     const size_t before = flags >> 6;
-    const LineResult r = Line(curve, line, ends, before);
-    if (Finite(line, 2) && line[0].x == line[1].x && line[0].y == line[1].y) CHECK(!r.any);
-    // The segment test: a crossing with s in [0, 1], end points of the curve not counted.
-    const LineResult open = Line(curve, line, false, 0);
-    const bool crossing = std::any_of(open.s.begin(), open.s.end(), [](double s) { return s >= 0 && s <= 1; });
-    CHECK(DoesBezierIntersectLineSegment(curve, line) == crossing);
-    // x crossings are appended after what the vector held.
-    std::vector<double> ts(before, kMarker);
-    const bool any = FindBezierIntersectionsAtX(curve, line[0].x, ts, ends);
-    CHECK(any == !ts.empty() && ts.size() <= before + kCubicMost);
-    for (size_t i = 0; i < before; ++i) CHECK(Same(ts[i], kMarker));
-}
-
-void LinesInteger(Input& in) {
-    tagPOINT curve[4], line[2] = {in.IPt(), in.IPt()};
-    in.Curve(curve);
     P dc[4], dl[2];
     ToDouble(curve, dc), ToDouble(line, dl);
-    const bool ends = in.Byte() & 1;
-    const LineResult r = Line(curve, line, ends, 1), d = Line(dc, dl, ends, 1);
-    CHECK(r.any == d.any && r.t.size() == d.t.size());
-    for (size_t i = 0; i < r.t.size(); ++i) CHECK(Same(r.t[i], d.t[i]) && Same(r.s[i], d.s[i]));
-    CHECK(DoesBezierIntersectLineSegment(curve, line) == DoesBezierIntersectLineSegment(dc, dl));
+    const LineResult r = Line(dc, dl, ends, before);
+    if (Finite(dl, 2) && dl[0].x == dl[1].x && dl[0].y == dl[1].y) CHECK(!r.any);
+    // The segment test: a crossing with s in [0, 1], end points of the curve not counted.
+    const LineResult open = Line(dc, dl, false, 0);
+    const bool crossing = std::any_of(open.s.begin(), open.s.end(), [](double s) { return s >= 0 && s <= 1; });
+    CHECK(DoesBezierIntersectLineSegment(curve, line) == crossing);
+    if constexpr (kInteger<Pt>) {
+        const LineResult ri = Line(curve, line, ends, before);
+        CHECK(ri.any == r.any && SameAll(ri.t, r.t) && SameAll(ri.s, r.s));
+    }
+    // x crossings are appended after what the vector held.
+    Appended(before, [&](std::vector<double>& ts) {
+        CHECK(FindBezierIntersectionsAtX(dc, dl[0].x, ts, ends) == !ts.empty());
+        return kCubicMost;
+    }, -kInf, kInf, false);
 }
 
 struct CurvesResult {
@@ -163,74 +128,58 @@ CurvesResult Curves(const Pt first[4], const Pt second[4], size_t before) {
     CHECK(r.first.size() <= before + kCurvesMost);
     return r;
 }
-template <typename Pt>
-bool SharedEnd(const Pt p[4], const Pt q[4]) {
-    for (const Pt& u : {p[0], p[3]})
-        for (const Pt& v : {q[0], q[3]})
-            if (u.x == v.x && u.y == v.y) return true;
-    return false;
-}
 
+// DoBeziersIntersect: true for a shared end point, otherwise whether anything is found.
+template <typename Pt>
 void CurvePairs(Input& in) {
-    P p[4], q[4];
+    Pt p[4], q[4];
     in.Curve(p);
     in.Curve(q);
     if (in.Byte() & 1) std::swap(p, q);
-    Curves(p, q, in.Byte() % 3);
-    CHECK(DoBeziersIntersect(p, q) == (SharedEnd(p, q) || !Curves(p, q, 0).first.empty()));
-}
-
-void CurvePairsInteger(Input& in) {
-    tagPOINT p[4], q[4];
-    in.Curve(p);
-    in.Curve(q);
     P dp[4], dq[4];
     ToDouble(p, dp), ToDouble(q, dq);
-    const CurvesResult r = Curves(p, q, 0), d = Curves(dp, dq, 0);
-    CHECK(r.first.size() == d.first.size());
-    for (size_t i = 0; i < r.first.size(); ++i)
-        CHECK(Same(r.first[i], d.first[i]) && Same(r.second[i], d.second[i]) && Same(r.points[i], d.points[i]));
-    CHECK(DoBeziersIntersect(p, q) == DoBeziersIntersect(dp, dq));
-    CHECK(DoBeziersIntersect(p, q) == (SharedEnd(p, q) || !r.first.empty()));
+    Curves(dp, dq, in.Byte() % 3);
+    const CurvesResult d = Curves(dp, dq, 0);
+    bool shared = false;
+    for (const P& u : {dp[0], dp[3]})
+        for (const P& v : {dq[0], dq[3]}) shared = shared || (u.x == v.x && u.y == v.y);
+    CHECK(DoBeziersIntersect(p, q) == (shared || !d.first.empty()));
+    if constexpr (kInteger<Pt>) {
+        const CurvesResult ri = Curves(p, q, 0);
+        CHECK(SameAll(ri.first, d.first) && SameAll(ri.second, d.second) && SameAll(ri.points, d.points));
+    }
 }
 
-// Fat lines: every point within w of the segment, so a wider one (0 <= w <= w2)
-// touches whatever a narrower one touches. The curve test rejects when neither
-// end of the segment lies in the control box grown by w (y in either order).
+// Fat lines: every point within w of the segment, so a wider one (0 <= w <= w2) touches whatever a narrower one
+// touches. The curve test rejects when neither end of the segment lies in the control box grown by w (y in either
+// order).
 void FatLines(Input& in) {
     P curve[4];
     in.Curve(curve);
     const P a = in.Pt(), b = in.Pt(), c = in.Pt(), d = in.Pt();
     const double w = in.D(), w2 = std::fabs(w) * (1 + in.Byte() / 16.0);
-    const bool hit = DoesFatlineIntersectBezier(curve, a, b, w);
+    const bool hit = DoesFatlineIntersectBezier(curve, a, b, w), lines = DoesFatlineIntersectLine(a, b, c, d, w);
     CHECK(!DoesFatlineIntersectBezier(nullptr, a, b, w));
     const P ends[] = {a, b, c, d};
-    if (Finite(curve, 4) && Finite(ends, 4) && std::isfinite(w)) {
-        double left = curve[0].x, right = left, bottom = curve[0].y, top = bottom;
-        for (const P& v : curve) {
-            left = std::min(left, v.x), right = std::max(right, v.x);
-            bottom = std::min(bottom, v.y), top = std::max(top, v.y);
-        }
-        auto inside = [&](const P& v) {  // a negative w may turn the box over in y, which counts either way
-            return v.x >= left - w && v.x <= right + w && v.y >= std::min(bottom - w, top + w) &&
-                   v.y <= std::max(bottom - w, top + w);
-        };
-        if (!inside(a) && !inside(b)) CHECK(!hit);
-        if (w >= 0 && std::isfinite(w2) && hit) CHECK(DoesFatlineIntersectBezier(curve, a, b, w2));
-        const bool lines = DoesFatlineIntersectLine(a, b, c, d, w);
-        if (lines && std::isfinite(w2)) CHECK(DoesFatlineIntersectLine(a, b, c, d, w2));
-    } else {
-        (void)DoesFatlineIntersectLine(a, b, c, d, w);
+    if (!Finite(curve, 4) || !Finite(ends, 4) || !std::isfinite(w)) return;
+    double left = curve[0].x, right = left, bottom = curve[0].y, top = bottom;
+    for (const P& v : curve) {
+        left = std::min(left, v.x), right = std::max(right, v.x);
+        bottom = std::min(bottom, v.y), top = std::max(top, v.y);
     }
+    auto inside = [&](const P& v) {  // a negative w may turn the box over in y, which counts either way
+        return v.x >= left - w && v.x <= right + w && v.y >= std::min(bottom - w, top + w) &&
+               v.y <= std::max(bottom - w, top + w);
+    };
+    if (!inside(a) && !inside(b)) CHECK(!hit);
+    if (w >= 0 && std::isfinite(w2) && hit) CHECK(DoesFatlineIntersectBezier(curve, a, b, w2));
+    if (lines && std::isfinite(w2)) CHECK(DoesFatlineIntersectLine(a, b, c, d, w2));
 }
 
 struct Loop {
     double t1a = kMarker, t1b = kMarker, t2a = kMarker, t2b = kMarker, s = kMarker, t = kMarker;
     P point{kMarker, kMarker};
     bool loop = false, found = false;
-    bool Untouched() const {
-        return Same(t1a, kMarker) && Same(t1b, kMarker) && Same(t2a, kMarker) && Same(t2b, kMarker);
-    }
 };
 template <typename Pt>
 Loop SelfIntersection(const Pt p[4], bool closedCurve) {
@@ -242,34 +191,33 @@ Loop SelfIntersection(const Pt p[4], bool closedCurve) {
     }
     const bool closed = std::fabs(double(p[0].x) - double(p[3].x)) <= DBL_EPSILON &&
                         std::fabs(double(p[0].y) - double(p[3].y)) <= DBL_EPSILON;
-    if (closed && !closedCurve) CHECK(!r.loop && r.Untouched());
-    // The double point: s and t on the curve's parameter range (each a blend of an
-    // interval's ends, so within rounding of it); on failure t is never written.
+    if (closed && !closedCurve)
+        CHECK(!r.loop && Same(r.t1a, kMarker) && Same(r.t1b, kMarker) && Same(r.t2a, kMarker) && Same(r.t2b, kMarker));
+    // The double point: s and t on the curve's parameter range (each a blend of an interval's ends, so within
+    // rounding of it); on failure t is never written.
     r.found = FindBezierSelfIntersection(p, r.s, r.t, r.point);
     if (r.found) CHECK(r.s >= -1e-12 && r.s <= 1 + 1e-12 && r.t >= -1e-12 && r.t <= 1 + 1e-12);
     if (!r.found) CHECK(Same(r.t, kMarker));
     return r;
 }
 
+template <typename Pt>
 void SelfIntersections(Input& in) {
-    P p[4];
-    in.Curve(p);
-    SelfIntersection(p, in.Byte() & 1);
-}
-
-void SelfIntersectionsInteger(Input& in) {
-    tagPOINT p[4];
+    Pt p[4];
     in.Curve(p);
     P d[4];
     ToDouble(p, d);
     const bool closed = in.Byte() & 1;
-    const Loop r = SelfIntersection(p, closed), e = SelfIntersection(d, closed);
-    CHECK(r.loop == e.loop && r.found == e.found && Same(r.t1a, e.t1a) && Same(r.t1b, e.t1b) &&
-          Same(r.t2a, e.t2a) && Same(r.t2b, e.t2b) && Same(r.s, e.s) && Same(r.t, e.t) && Same(r.point, e.point));
+    const Loop e = SelfIntersection(d, closed);
+    if constexpr (kInteger<Pt>) {
+        const Loop r = SelfIntersection(p, closed);
+        CHECK(r.loop == e.loop && r.found == e.found && Same(r.t1a, e.t1a) && Same(r.t1b, e.t1b) &&
+              Same(r.t2a, e.t2a) && Same(r.t2b, e.t2b) && Same(r.s, e.s) && Same(r.t, e.t) && Same(r.point, e.point));
+    }
 }
 
-// Offset cusps: the vector cleared, and every cusp kept on the side the offset
-// moves to by the signed radius there (an uncomputable radius counting as 0).
+// Offset cusps: the vector cleared, and every cusp kept on the side the offset moves to by the signed radius there (an
+// uncomputable radius counting as 0).
 void OffsetCusps(Input& in) {
     P a, b, c, d;
     if (in.Byte() & 1) {
@@ -294,10 +242,8 @@ void OffsetCusps(Input& in) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static void (*const ops[])(Input&) = {Implicit,  Lines,    LinesInteger,      CurvePairs,
-                                          CurvePairsInteger, FatLines, SelfIntersections,
-                                          SelfIntersectionsInteger, OffsetCusps};
-    Input in(data, size);
-    for (int op = 0; op < 16 && in.Left() > 0; ++op) ops[in.Byte() % (sizeof ops / sizeof ops[0])](in);
-    return 0;
+    static void (*const ops[])(Input&) = {Implicit,         Lines<P>,          Lines<tagPOINT>,
+                                          CurvePairs<P>,    CurvePairs<tagPOINT>, FatLines,
+                                          SelfIntersections<P>, SelfIntersections<tagPOINT>, OffsetCusps};
+    return Run(data, size, ops, 16);
 }
