@@ -234,7 +234,8 @@ QORMATH_API vector2dT<double, 1> MapToBezier(const vector2dT<double, 1> points[4
 // on the rest of the infinite line. Curve parameters t and line parameters s
 // are stored pairwise: element i of one belongs to element i of the other.
 // includeEnds is handed to the cubic root solver: when set, t = 0 and t = 1 are
-// reported where an end point lies on the line.
+// reported where an end point lies on the line. Near a double root t can fall
+// just outside [0, 1] (see Analysis above).
 
 /// The implicit cubic f(x, y) = c1·x³ + c2·y³ + c3·x²y + c4·xy² + c5·x² + c6·y²
 /// + c7·xy + c8·x + c9·y + c10 of the curve with power-basis coefficients a, b,
