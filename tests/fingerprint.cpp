@@ -335,7 +335,7 @@ void Fit(Fingerprint& f) {
     std::vector<double> u, coefficients;
     std::vector<vector2dT<double, 1>> offsets;
     for (int i = 0; i < 300; ++i) {
-        vector2dT<double, 1> c[4], pts[24], out[4], out2[4];
+        vector2dT<double, 1> c[4], pts[24], out[4] = {}, out2[4] = {};
         d.Four(c, [&] { return d.Point(100); });
         vector2dT<double, 1> a{}, b{}, cc{}, e{};
         CubicBezier::GetPowerBasis(c, a, b, cc, e);
