@@ -216,9 +216,10 @@ bool GetSegmentsToOffset(const Point points[4], double d, double tolerance, std:
     return CutForOffset(points, d, tolerance, cuts, nullptr);
 }
 
-bool OffsetBezier(const Point points[4], double d, double tolerance, std::vector<Point>& out) {
-    std::vector<double> cuts;
-    return CutForOffset(points, d, tolerance, cuts, &out);
+bool OffsetBezier(const Point points[4], double d, double tolerance, std::vector<Point>& out,
+                  std::vector<double>* cuts) {
+    std::vector<double> own;
+    return CutForOffset(points, d, tolerance, cuts ? *cuts : own, &out);
 }
 
 }  // namespace QorMath

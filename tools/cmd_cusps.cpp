@@ -27,13 +27,6 @@ struct CuspsOptions {
     std::string svg;
 };
 
-// The offset B(t) + d·n(t), n the unit left normal, sampled evenly in t.
-std::vector<Point2d> offsetPolyline(const Cubic& c, double d, int samples) {
-    std::vector<Point2d> out;
-    for (int i = 0; i <= samples; ++i) out.push_back(CB::MapToBezier(c.data(), double(i) / samples, d, 1.0));
-    return out;
-}
-
 void drawSvg(const std::string& file, const std::vector<Cubic>& segments, double d,
              const std::vector<std::pair<Point2d, Point2d>>& cusps, const std::string& title) {
     const svg::Style curve{"#1f2937", "none", 2.4, "", 1};
@@ -43,7 +36,7 @@ void drawSvg(const std::string& file, const std::vector<Cubic>& segments, double
     const svg::Style cusp{"#dc2626", "#dc2626", 1, "", 1};
     svg::Panel panel(title);
     panel.path(svg::Path::fromCubics(segments, false), curve);
-    for (const Cubic& c : segments) panel.polyline(offsetPolyline(c, d, 400), offset);
+    for (const Cubic& c : segments) panel.polyline(sampledOffset(c, d, 400), offset);
     for (const auto& [p, q] : cusps) {
         panel.polyline({p, q}, normal);
         panel.dot(p, 3, onCurve);
@@ -111,11 +104,9 @@ int run(const CuspsOptions& o, const GlobalOptions& global) {
 Command addCuspsCommand(CLI::App& parent, const GlobalOptions& global) {
     auto opts = std::make_shared<CuspsOptions>();
     CLI::App* app = parent.add_subcommand("cusps", "Where the offset of each segment at a distance has a cusp");
-    app->add_option("PATH", opts->words,
-                    "SVG path data (quote it), eight numbers x0 y0 x1 y1 x2 y2 x3 y3, or - for standard input")
+    app->add_option("PATH", opts->words, kSegmentsHelp)
         ->required();
-    app->add_option("--distance,-d", opts->distance,
-                    "Signed offset distance, positive to the left of the direction of travel (y up)")
+    app->add_option("--distance,-d", opts->distance, kDistanceHelp)
         ->required();
     app->add_option("--svg", opts->svg, "Also draw the path, its sampled offset and the cusps into this SVG file");
     app->footer(

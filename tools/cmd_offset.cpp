@@ -30,7 +30,7 @@ struct OffsetOptions {
 // One segment offset by one distance.
 struct SegmentOffset {
     std::vector<double> cusps;  // FindOffsetCusps
-    std::vector<double> cuts;   // GetSegmentsToOffset
+    std::vector<double> cuts;   // GetSegmentsToOffset, through OffsetBezier
     bool fits = false;
     std::vector<Cubic> pieces;  // OffsetBezier
 };
@@ -40,19 +40,11 @@ SegmentOffset offsetSegment(const Cubic& c, double d, double tolerance) {
     Point2d a, b, cc, dd;
     CB::GetPowerBasis(c.data(), a, b, cc, dd);
     CB::FindOffsetCusps(a, b, cc, d, s.cusps);
-    s.fits = QorMath::GetSegmentsToOffset(c.data(), d, tolerance, s.cuts);
     std::vector<Point2d> chain;
-    QorMath::OffsetBezier(c.data(), d, tolerance, chain);
+    s.fits = QorMath::OffsetBezier(c.data(), d, tolerance, chain, &s.cuts);
     for (size_t i = 0; i + 3 < chain.size(); i += 4)
         s.pieces.push_back({chain[i], chain[i + 1], chain[i + 2], chain[i + 3]});
     return s;
-}
-
-// The exact offset B(t) + d·n(t), sampled evenly in t, to compare the chain with.
-std::vector<Point2d> exactOffset(const Cubic& c, double d, int samples) {
-    std::vector<Point2d> out;
-    for (int i = 0; i <= samples; ++i) out.push_back(CB::MapToBezier(c.data(), double(i) / samples, d, 1.0));
-    return out;
 }
 
 void drawSvg(const std::string& file, const std::vector<Cubic>& segments, double d, double tolerance,
@@ -68,7 +60,7 @@ void drawSvg(const std::string& file, const std::vector<Cubic>& segments, double
         for (int k = 0; k < 2; ++k) {
             const double dk = k == 0 ? d : -d;
             const SegmentOffset s = offsetSegment(c, dk, tolerance);
-            panel.polyline(exactOffset(c, dk, 300), exact);
+            panel.polyline(sampledOffset(c, dk, 300), exact);
             panel.path(svg::Path::fromCubics(s.pieces, false), side[k]);
             for (const Cubic& p : s.pieces) panel.dot(p[0], 2, joint);
             if (!s.pieces.empty()) panel.dot(s.pieces.back()[3], 2, joint);
@@ -137,11 +129,9 @@ int run(const OffsetOptions& o, const GlobalOptions& global) {
 Command addOffsetCommand(CLI::App& parent, const GlobalOptions& global) {
     auto opts = std::make_shared<OffsetOptions>();
     CLI::App* app = parent.add_subcommand("offset", "Offset each segment of a path by a distance, as cubics");
-    app->add_option("PATH", opts->words,
-                    "SVG path data (quote it), eight numbers x0 y0 x1 y1 x2 y2 x3 y3, or - for standard input")
+    app->add_option("PATH", opts->words, kSegmentsHelp)
         ->required();
-    app->add_option("--distance,-d", opts->distance,
-                    "Signed offset distance, positive to the left of the direction of travel (y up)")
+    app->add_option("--distance,-d", opts->distance, kDistanceHelp)
         ->required();
     app->add_option("--tolerance,-e", opts->tolerance,
                     "Largest distance allowed between a fitted piece and the exact offset samples")

@@ -75,8 +75,7 @@ int run(const SelfxOptions& o, const GlobalOptions& global) {
 Command addSelfxCommand(CLI::App& parent, const GlobalOptions& global) {
     auto opts = std::make_shared<SelfxOptions>();
     CLI::App* app = parent.add_subcommand("selfx", "Self-intersection of each segment: its loop and double point");
-    app->add_option("PATH", opts->words,
-                    "SVG path data (quote it), eight numbers x0 y0 x1 y1 x2 y2 x3 y3, or - for standard input")
+    app->add_option("PATH", opts->words, kSegmentsHelp)
         ->required();
     app->add_flag("--closed", opts->closed,
                   "Examine a segment whose end points coincide like any other (otherwise it has no loop)");

@@ -1,5 +1,7 @@
 #include "cubic_arg.h"
 
+#include "QorMath/bezier.h"
+
 namespace qtool {
 
 using QorMath::Point2d;
@@ -49,6 +51,13 @@ Cubic parseCubic(const std::vector<std::string>& words, const std::string& comma
         throw UsageError("curve: the path data gives " + std::to_string(segments.size()) + " cubic segments, " +
                          command + " takes one (an arc over 90 degrees gives several)");
     return segments[0];
+}
+
+std::vector<Point2d> sampledOffset(const Cubic& c, double d, int samples) {
+    std::vector<Point2d> out;
+    for (int i = 0; i <= samples; ++i)
+        out.push_back(QorMath::CubicBezier::MapToBezier(c.data(), double(i) / samples, d, 1.0));
+    return out;
 }
 
 }  // namespace qtool

@@ -22,6 +22,16 @@ Cubic parseCubic(const std::vector<std::string>& words, const std::string& comma
 /// no segments at all is an error.
 std::vector<Cubic> parseSegments(const std::string& text, const std::string& what);
 
+/// The exact offset B(t) + d·n(t), n the unit left normal, at samples + 1
+/// evenly spaced t, for drawing.
+std::vector<QorMath::Point2d> sampledOffset(const Cubic& c, double d, int samples);
+
+/// Help texts shared by the commands that take a path and an offset distance.
+constexpr const char* kSegmentsHelp =
+    "SVG path data (quote it), eight numbers x0 y0 x1 y1 x2 y2 x3 y3, or - for standard input";
+constexpr const char* kDistanceHelp =
+    "Signed offset distance, positive to the left of the direction of travel (y up)";
+
 /// Help text of the CURVE argument.
 extern const char* const kCubicHelp;
 

@@ -374,9 +374,10 @@ QORMATH_API bool GetSegmentsToOffset(const vector2dT<double, 1> points[4], doubl
 /// The offset of the curve by d as a chain of cubics, one per piece of
 /// GetSegmentsToOffset, appended to out four points each (the pieces are fitted
 /// separately; consecutive ones meet at the same offset point up to rounding).
-/// Returns GetSegmentsToOffset's result.
+/// Returns GetSegmentsToOffset's result; its cuts are written to *cuts when
+/// cuts is not null.
 QORMATH_API bool OffsetBezier(const vector2dT<double, 1> points[4], double d, double tolerance,
-                              std::vector<vector2dT<double, 1>>& out);
+                              std::vector<vector2dT<double, 1>>& out, std::vector<double>* cuts = nullptr);
 
 // ---- Flattening to lines -----------------------------------------------------
 // One segment to a polyline. No allocation; the output arrays are the caller's.
