@@ -113,10 +113,11 @@ TEST(OffsetWhole, PiecesFitTheExactOffset) {
     for (int rep = 0; rep < 50; ++rep) {
         const P p[4] = {qtest::RandomPoint(rng), qtest::RandomPoint(rng), qtest::RandomPoint(rng), qtest::RandomPoint(rng)};
         for (const double d : {-4.0, -0.7, 0.5, 3.0}) {
-            std::vector<double> cuts{5, 6}, cusps;
+            std::vector<double> cuts{5, 6}, cusps, sameCuts{7};
             std::vector<P> out{{9, 9}};
             const bool ok = GetSegmentsToOffset(p, d, tolerance, cuts);
-            ASSERT_EQ(OffsetBezier(p, d, tolerance, out), ok);
+            ASSERT_EQ(OffsetBezier(p, d, tolerance, out, &sameCuts), ok);
+            ASSERT_EQ(sameCuts, cuts);
             ASSERT_EQ(out.size(), 1 + 4 * (cuts.size() - 1));
             ASSERT_TRUE(cuts.size() >= 2 && cuts.front() == 0 && cuts.back() == 1);
             const qtest::Basis b(p);
