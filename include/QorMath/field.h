@@ -24,7 +24,8 @@
 
 namespace QorMath {
 
-class QORMATH_API VectorField {
+// Exported member by member, so the row helpers stay internal.
+class VectorField {
 public:
     using Vector = vector2dT<float, 0>;
 
@@ -35,80 +36,80 @@ public:
     };
 
     /// An empty field: no rows, width, height and origin 0.
-    VectorField();
+    QORMATH_API VectorField();
     /// Initialize(width, height, originX, originY).
-    VectorField(int width, int height, int originX, int originY);
+    QORMATH_API VectorField(int width, int height, int originX, int originY);
     /// Initialize(r).
-    explicit VectorField(const tagRECT& r);
+    QORMATH_API explicit VectorField(const tagRECT& r);
     /// Takes other's rows and copies its geometry; other keeps its geometry but
     /// has no rows and acts as an empty field until initialised or assigned.
-    VectorField(VectorField&& other) noexcept;
-    VectorField& operator=(VectorField&& other) noexcept;
+    QORMATH_API VectorField(VectorField&& other) noexcept;
+    QORMATH_API VectorField& operator=(VectorField&& other) noexcept;
     /// Deep copy of rows and geometry.
-    VectorField& operator=(const VectorField& other);
-    ~VectorField();
+    QORMATH_API VectorField& operator=(const VectorField& other);
+    QORMATH_API ~VectorField();
 
     /// A grid of width × height cells, all (0, 0), at (originX, originY).
     /// A width or height below 1 makes the field empty with origin (0, 0).
-    void Initialize(int width, int height, int originX, int originY);
+    QORMATH_API void Initialize(int width, int height, int originX, int originY);
     /// Initialize(r.right - r.left + 1, r.top - r.bottom + 1, r.left, r.bottom):
     /// r is inclusive and y-up. Extents beyond the int range count as empty.
-    void Initialize(const tagRECT& r);
+    QORMATH_API void Initialize(const tagRECT& r);
 
     int width() const { return width_; }
     int height() const { return height_; }
     /// The plane rectangle, inclusive: {originX, originY + height - 1,
     /// originX + width - 1, originY} (int32 wrap-around at the extremes).
-    tagRECT GetCGIRECT() const;
+    QORMATH_API tagRECT GetCGIRECT() const;
 
     /// The cell at local (col, row): its stored value inside the row's run, the
     /// row's fill outside it. No bounds check: 0 <= col < width, 0 <= row < height.
-    const Vector& Get_nooffset(int col, int row) const;
+    QORMATH_API const Vector& Get_nooffset(int col, int row) const;
     /// Stores v at plane (x, y); ignored outside the grid. A value equal to the
     /// row's fill is not stored outside the run; any other value widens the run.
-    void Set(int x, int y, const Vector& v);
+    QORMATH_API void Set(int x, int y, const Vector& v);
     /// Adds v to the cell at plane (x, y); ignored outside the grid.
-    void Add(int x, int y, const Vector& v);
+    QORMATH_API void Add(int x, int y, const Vector& v);
     /// The cell at plane point p widened to double, true; false (out untouched)
     /// outside the grid. flag is never written.
-    bool Remap(const tagPOINT& p, vector2dT<double, 0>& out, bool& flag) const;
+    QORMATH_API bool Remap(const tagPOINT& p, vector2dT<double, 0>& out, bool& flag) const;
     /// False unless p - origin (narrowed to float) lies in [0, width) × [0, height);
     /// then out = Get(p - origin), true. Get subtracts the origin again, so the
     /// field is sampled at p - 2·origin: kept as published, and the same for a
     /// field at (0, 0).
-    bool Remap_point2d(const vector2dT<double, 1>& p, vector2dT<double, 0>& out) const;
+    QORMATH_API bool Remap_point2d(const vector2dT<double, 1>& p, vector2dT<double, 0>& out) const;
     /// Bilinear sample at plane point p, in float. The position is clamped to
     /// [0, width - 2] × [0, height - 2] (NaN to the upper clamp), so the last
     /// column and row are reached as the right and top neighbours. A field one
     /// cell wide or high samples its edge cells; an empty field gives (0, 0).
-    Vector Get(vector2dT<float, 1> p) const;
+    QORMATH_API Vector Get(vector2dT<float, 1> p) const;
     /// Empties every row's run; fills and geometry stay.
-    void ClearVectors();
+    QORMATH_API void ClearVectors();
 
     /// Copies src into this field, src's origin shifted by (dx, dy) cells. Only
     /// cells of this field are written; cells under src's extent that src does
     /// not store take this field's fill (src's fill is not copied). True when
     /// all of src landed inside, or src has no cells; false when this field is
     /// empty or src sticks out (the part inside is still copied).
-    bool Blit(const VectorField& src, int dx, int dy);
+    QORMATH_API bool Blit(const VectorField& src, int dx, int dy);
     /// Extend to src's shifted rectangle, then Blit. Returns whether the
     /// rectangle changed.
-    bool BlitExtend(const VectorField& src, int dx, int dy);
+    QORMATH_API bool BlitExtend(const VectorField& src, int dx, int dy);
     /// Moves this field to the plane rectangle r (inclusive, y-up), keeping the
     /// cells that fall inside. True when all old contents fit (or there were none).
-    bool Rebound(const tagRECT& r);
+    QORMATH_API bool Rebound(const tagRECT& r);
     /// Grows the rectangle to the union with r and returns true, or returns
     /// false when that changes nothing. A field one cell wide or high (or empty)
     /// takes r itself; a degenerate r (left >= right or bottom >= top) is ignored.
-    bool Extend(const tagRECT& r);
+    QORMATH_API bool Extend(const tagRECT& r);
     /// A new field holding the intersection of r with this field's rectangle;
     /// empty when that intersection is less than two columns or two rows.
-    VectorField GetRegion(const tagRECT& r) const;
+    QORMATH_API VectorField GetRegion(const tagRECT& r) const;
 
     /// The stored run of local row `row` (0 <= row < height).
-    Run GetStoredRun(int row) const;
+    QORMATH_API Run GetStoredRun(int row) const;
     /// The number of explicitly stored cells over all rows.
-    size_t GetStoredCellCount() const;
+    QORMATH_API size_t GetStoredCellCount() const;
 
 private:
     struct Row {
