@@ -52,7 +52,7 @@ void Casteljau(double t, const P p[4], P w[7]) {
     return ::testing::AssertionSuccess();
 }
 
-void Random(std::mt19937& rng, P p[4], double scale) {
+void RandomCurve(std::mt19937& rng, P p[4], double scale) {
     std::uniform_real_distribution<double> u(-scale, scale);
     for (int i = 0; i < 4; ++i) p[i] = {u(rng), u(rng)};
 }
@@ -83,7 +83,7 @@ TEST(BezierSplit, PiecesAreTheCasteljauPoints) {
     std::uniform_real_distribution<double> ut(-0.5, 1.5);
     for (int i = 0; i < 3000; ++i) {
         P p[4], w[7], o[7];
-        Random(rng, p, i % 3 ? 100 : 1e6);
+        RandomCurve(rng, p, i % 3 ? 100 : 1e6);
         const double fixed[] = {0, 1, 0.5, -0.5, 1.5, 1e-300};
         const double t = i < 6 ? fixed[i] : ut(rng);
         Casteljau(t, p, w);
@@ -109,7 +109,7 @@ TEST(BezierSplit, SubsectionBranchesAndTenPointLayout) {
     int movedShared = 0;
     for (int i = 0; i < 3000; ++i) {
         P p[4], s[4], w[4], o[10], a[4], b[4];
-        Random(rng, p, 100);
+        RandomCurve(rng, p, 100);
         const auto [t0, t1] = i < 10 ? fixed[i] : std::make_pair(ut(rng), ut(rng));
         Subsection(t0, t1, p, s);
         if (t0 <= 0)  // by definition from the one-piece functions
@@ -218,7 +218,7 @@ TEST(BezierPowerBasis, CoefficientsAndEvaluation) {
     std::uniform_real_distribution<double> ut(-0.5, 1.5);
     for (int i = 0; i < 2000; ++i) {
         P p[4];
-        Random(rng, p, 100);
+        RandomCurve(rng, p, 100);
         GetPowerBasis(p, a, b, c, d);
         EXPECT_TRUE(SameBits(Evaluate(a, b, c, d, 0), p[0]));
         for (double t : {ut(rng), 1.0, 0.5}) {
