@@ -16,14 +16,14 @@ CONFIGURE = cmake -S . -B $(BUILD)/$(1) -DQORMATH_WERROR=$(WERROR) $(2) >/dev/nu
 COMPILE = cmake --build $(BUILD)/$(1) -j $(JOBS) $(2)
 CHECK = ctest --test-dir $(BUILD)/$(1) --output-on-failure -j $(JOBS)
 
-.PHONY: all deps test test-debug test-native run bench fuzz install-check clean
+.PHONY: all deps test test-debug test-native test-threads run bench fuzz install-check clean
 
 all: run
 
 deps:
 	@scripts/deps.sh $(DEPS)
 
-test: deps test-debug test-native
+test: deps test-debug test-native test-threads
 	@scripts/compare-fingerprints.sh $(BUILD)/debug-san/tests/qormath_fingerprint $(BUILD)/release-native/tests/qormath_fingerprint
 
 test-debug:
@@ -35,6 +35,13 @@ test-native:
 	$(call CONFIGURE,release-native,-DCMAKE_BUILD_TYPE=Release -DQORMATH_NATIVE=ON -DQORMATH_BUILD_BENCH=ON)
 	$(call COMPILE,release-native)
 	$(call CHECK,release-native)
+
+# The multi-threaded code (vector field row loops, per-thread random engines)
+# once more under ThreadSanitizer.
+test-threads:
+	$(call CONFIGURE,tsan,-DCMAKE_BUILD_TYPE=RelWithDebInfo -DQORMATH_SANITIZE_THREAD=ON -DQORMATH_BUILD_BENCH=OFF -DQORMATH_BUILD_TOOLS=OFF)
+	$(call COMPILE,tsan,--target qormath_concurrency_tests)
+	$(call CHECK,tsan) -R '^concurrency\.'
 
 run: deps
 	$(call CONFIGURE,release,-DCMAKE_BUILD_TYPE=Release -DQORMATH_BUILD_TESTS=OFF -DQORMATH_BUILD_BENCH=OFF)

@@ -371,6 +371,79 @@ void Fit(Fingerprint& f) {
     for (const auto& x : offsets) f.Add(x);
 }
 
+// Layouts of containers stored either way round, with every kind of quantity
+// (unknown kinds included) and every alignment (invalid ones included), and the
+// anchors, out-of-range locations too.
+void Layouts(Fingerprint& f) {
+    using Setter = void (Layout::*)(const Layout::Value&);
+    const Setter setters[] = {&Layout::SetWidth,      &Layout::SetHeight,      &Layout::SetMinimumWidth,
+                              &Layout::SetMinimumHeight, &Layout::SetLeftMargin, &Layout::SetRightMargin,
+                              &Layout::SetTopMargin,  &Layout::SetBottomMargin};
+    Draw d;
+    for (int i = 0; i < 3000; ++i) {
+        vector2dT<double, 1> p[4];
+        d.Four(p, [&] { return d.Point(100); });
+        const BoundsT<double> box{p[0].x, p[0].y, p[1].x, p[1].y}, object{p[2].x, p[2].y, p[3].x, p[3].y};
+        Layout layout;
+        for (const Setter set : setters) {
+            const int k = static_cast<int>(d.Unit() * 8);  // Unset half the time
+            const int32_t kind = k < 4 ? Layout::Unset : k - 3;
+            const double amount = d.In(-1, 1) * (kind == Layout::Relative ? 1.5 : 150);
+            (layout.*set)({kind, amount});
+        }
+        layout.SetHorizontalAlignment(static_cast<Horizontal::Alignment>(i % 4));
+        layout.SetVerticalAlignment(static_cast<Vertical::Alignment>(i / 4 % 4));
+        f.Add(layout.DoesLayout()), f.Add(layout.CanMaintainSkew());
+        f.Add(LayoutObject(box, layout)), f.Add(GetLayoutTransformation(box, object, layout));
+        const auto location = static_cast<AnchorLocation>(i % 12 - 1);
+        f.Add(GetAnchorPoint(box, location)), f.Add(GetAnchorOffset(box, p[3] - p[2], location));
+    }
+}
+
+// Scalar functions, quaternions and the fixed-point 3D interface (not the random
+// numbers, which differ from run to run).
+void Misc(Fingerprint& f) {
+    Draw d;
+    const auto Int = [&](double r) { return static_cast<int32_t>(d.In(-r, r)); };
+    for (int i = 0; i < 3000; ++i) {
+        const double x = d.In(-5, 5), mean = d.In(-5, 5), sigma = d.In(0.1, 4), t = d.In(0, 1);
+        const double g = d.In(-1.5, 1.5), b = d.In(-0.5, 1.5), base = d.In(0.1, 20);
+        f.Add(Gaussian(x, mean, sigma)), f.Add(CubeRoot(x * 100)), f.Add(Bias(t, b)), f.Add(Gain(t, g));
+        f.Add(GetBiasGainBlendFactor(t, g, b)), f.Add(GetLogarithmicBlendFactor(t, base));
+        f.Add(GetLinearBlendFactor(static_cast<size_t>(i), static_cast<size_t>(i % 17)));
+        const int32_t a = i % 7 ? Int(2147483647.0) : INT32_MIN, c = Int(2147483647.0), k = Int(3000) | 1;
+        f.Add(GCD(a, c)), f.Add(GCD(a % 100000 * k, c % 100000 * k));
+
+        Quaternion q[3];
+        for (Quaternion& e : q) e.x = d.In(-2, 2), e.y = d.In(-2, 2), e.z = d.In(-2, 2), e.w = d.In(-2, 2);
+        vector3dT<double> v{d.In(-10, 10), d.In(-10, 10), d.In(-10, 10)}, w = v;
+        f.Add(q[0] * q[1]), f.Add(q[0] + q[1]), f.Add(q[0] * x), f.Add(q[0] / sigma), f.Add(q[0].GetConjugate());
+        f.Add(q[0].DotProduct(q[1])), f.Add(q[0].Magnitude()), f.Add(q[0].MagnitudeSqrd());
+        q[0].Rotate(v), q[1].RotateQuick(w), f.Add(v), f.Add(w);
+        q[2].RotationCreate(v, w), f.Add(q[2]);
+        f.Add(Quaternion(x, v)), f.Add(q[0].Normalize()), f.Add(q[0]), f.Add(q[0].RotationTheta());
+        q[1].Normalize();
+        Quaternion out{};
+        f.Add(Quaternion::Interpolate(q[0], q[1], d.In(-0.5, 1.5), out)), f.Add(out);
+        Quaternion small(q[1].x * 1e-12, q[1].y * 1e-13, q[1].z * 1e-14, q[1].w * 1e-15);
+        small.ForceZeros(), f.Add(small);
+
+        MTH3DMATRIX m{};
+        const double qa[4] = {q[0].x, q[0].y, q[0].z, i % 3 ? q[0].w : q[1].w * 1.5};  // not always unit
+        f.Add(VECT_QuaternionToMat(qa, m));
+        const int32_t dx = Int(1000), dy = Int(1000), dz = Int(1000);
+        MTHTranslate3DMatrix(m, dx, dy, dz), f.Add(m);
+        double back[4] = {};
+        VECT_MatToQuaternion(m, back), f.Add(back);
+        MTH3DPOINT pts[3];
+        for (MTH3DPOINT& e : pts) e.x = Int(1e6), e.y = Int(1e6), e.z = Int(1e6);
+        MTHTransform3DPoints(pts, m, 3), f.Add(pts);
+        tagPOINT projected[3] = {};
+        f.Add(MTHPerspective3DProjection(pts, projected, 3, {Int(1e4), Int(1e4), Int(3e6)})), f.Add(projected);
+        MTHGet3DIdentityMatrix(m), f.Add(m);
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -379,7 +452,8 @@ int main() {
         void (*run)(Fingerprint&);
     } families[] = {{"matrix", Matrices}, {"angles", Angles}, {"bounds", Bounds},
                     {"bezier", Bezier},  {"flatten", Flatten}, {"roots", Roots},
-                    {"analysis", Analysis}, {"intersect", Intersect}, {"fit", Fit}};
+                    {"analysis", Analysis}, {"intersect", Intersect}, {"fit", Fit},
+                    {"layout", Layouts}, {"misc", Misc}};
     for (const auto& family : families) {
         Fingerprint f;
         family.run(f);
