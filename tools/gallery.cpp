@@ -11,9 +11,12 @@
 #include <cstdio>
 #include <memory>
 
+#include "QorMath/angles.h"
 #include "QorMath/bezier.h"
 #include "QorMath/bounds.h"
+#include "QorMath/field.h"
 #include "QorMath/fitting.h"
+#include "QorMath/layout.h"
 #include "args.h"
 #include "commands.h"
 #include "output.h"
@@ -709,6 +712,150 @@ std::string drawOffsets(svg::Panel& panel) {
     return summary + "; " + std::to_string(cusps) + " cusps";
 }
 
+// Five layouts in one container, each result filled and carrying the "F" of a
+// 5 × 8 object mapped by GetLayoutTransformation; the dashed box is the space
+// the margins leave where a minimum width overrides it.
+std::string drawLayouts(svg::Panel& panel) {
+    using QorMath::Layout;
+    const Style frame{"#374151", "#f9fafb", 2, "", 1};
+    const Style result{"#2563eb", "#dbeafe", 1.6, "", 0.8};
+    const Style glyph{"#60a5fa", "#60a5fa", 0.8, "", 0.45};
+    const Style space{"#6b7280", "none", 1.2, "5 4", 1};
+    const Style anchor{"#dc2626", "#dc2626", 1, "", 1};
+    const QorMath::BoundsT<double> container{0, 150, 390, 0}, object{0, 8, 5, 0};
+    const Layout::Value unset{Layout::Unset, 0};
+    auto abs = [](double v) { return Layout::Value{Layout::Absolute, v}; };
+    auto rel = [](double v) { return Layout::Value{Layout::Relative, v}; };
+    struct Case {
+        const char* line1;
+        const char* line2;
+        Layout::Value width, height, minWidth, margins[4];  // left, right, top, bottom
+        QorMath::Horizontal::Alignment h;
+        QorMath::Vertical::Alignment v;
+    };
+    using H = QorMath::Horizontal::Alignment;
+    using V = QorMath::Vertical::Alignment;
+    const Case cases[] = {
+        {"left, top", "90 x 35, margins 10", abs(90), abs(35), unset, {abs(10), abs(10), abs(10), abs(10)}, H::Left,
+         V::Top},
+        {"right, bottom", "25% x 30%, margins 10", rel(0.25), rel(0.3), unset, {abs(10), abs(10), abs(10), abs(10)},
+         H::Right, V::Bottom},
+        {"center, center", "30% x 25%", rel(0.3), rel(0.25), unset, {unset, unset, unset, unset}, H::Center,
+         V::Center},
+        {"minimum 110, right", "margins leave 70", unset, unset, abs(110), {abs(310), abs(10), abs(10), rel(0.7)},
+         H::Right, V::Bottom},
+        {"margins only", "10, 280, 60%, 10", unset, unset, unset, {abs(10), abs(280), rel(0.6), abs(10)}, H::Left,
+         V::Bottom},
+    };
+    panel.polyline(corners(container), frame, true);
+    std::string summary = "LayoutObject in a 390 x 150 container:";
+    for (const Case& c : cases) {
+        Layout layout;
+        layout.SetWidth(c.width);
+        layout.SetHeight(c.height);
+        layout.SetMinimumWidth(c.minWidth);
+        layout.SetLeftMargin(c.margins[0]);
+        layout.SetRightMargin(c.margins[1]);
+        layout.SetTopMargin(c.margins[2]);
+        layout.SetBottomMargin(c.margins[3]);
+        layout.SetHorizontalAlignment(c.h);
+        layout.SetVerticalAlignment(c.v);
+        const auto r = QorMath::LayoutObject(container, layout);
+        if (c.minWidth.kind != Layout::Unset) {
+            Layout margins = layout;  // without the minimum: the space the margins leave
+            margins.SetMinimumWidth(unset);
+            panel.polyline(corners(QorMath::LayoutObject(container, margins)), space, true);
+        }
+        panel.polyline(corners(r), result, true);
+        std::vector<Point2d> f = layoutGlyph(object);
+        const MATRIX m = QorMath::GetLayoutTransformation(container, object, layout);
+        m.TransformPoints(f.data(), f.size());
+        panel.polyline(f, glyph, true);
+        panel.label({r.left, r.top}, c.line1, 13, svg::Anchor::Start, 10.5, "#111827", 4);
+        panel.label({r.left, r.top}, c.line2, 26, svg::Anchor::Start, 10, "#4b5563", 4);
+        summary += std::string(summary.back() == ':' ? " " : "; ") + c.line1 + ": " + formatNumber(r.right - r.left) +
+                   " x " + formatNumber(r.top - r.bottom) + " at (" + formatNumber(r.left) + ", " +
+                   formatNumber(r.bottom) + ")";
+    }
+    for (int i = 0; i < 9; ++i)
+        panel.dot(QorMath::GetAnchorPoint(container, static_cast<QorMath::AnchorLocation>(i)), 2.5, anchor);
+    panel.legend(result, "LayoutObject");
+    panel.legend(glyph, "F under the matrix");
+    panel.legend(space, "margin space");
+    panel.legend(anchor, "anchors", true);
+    return summary;
+}
+
+// Two swirls written with Set and blitted into a wider field, with the cells
+// each row stores, arrows and streamlines sampled with Get, and a region cut out
+// across both.
+std::string drawSwirls(svg::Panel& panel) {
+    using QorMath::VectorField;
+    const Style frame{"#374151", "none", 1.6, "", 1};
+    const Style runs{"none", "#bfdbfe", 0, "", 0.7};
+    const Style arrows{"#1f2937", "none", 0.9, "", 1};
+    const Style copy{"#2563eb", "none", 1.6, "6 4", 1};
+    const Style regionStyle{"#dc2626", "none", 2, "4 3", 1};
+    const Style stream{"#059669", "none", 1.5, "", 1};
+    struct Swirl {
+        int size, dx, dy;
+    };
+    const Swirl swirls[] = {{15, 2, 2}, {11, 22, 5}};
+    VectorField canvas(36, 18, 0, 0);
+    std::string summary = "VectorField 36 x 18, swirls";
+    for (const Swirl& s : swirls) {
+        VectorField swirl(s.size, s.size, 0, 0);
+        writeSwirl(swirl, s.size / 2.0);
+        canvas.Blit(swirl, s.dx, s.dy);
+        summary += std::string(s.dx == swirls[0].dx ? " " : ", ") + std::to_string(s.size) + " x " +
+                   std::to_string(s.size) + " (" + std::to_string(swirl.GetStoredCellCount()) + " stored) at (" +
+                   std::to_string(s.dx) + ", " + std::to_string(s.dy) + ")";
+    }
+    const tagRECT asked{12, 14, 27, 3};
+    const VectorField region = canvas.GetRegion(asked);
+    const tagRECT r = region.GetCGIRECT();
+    // Inside the region, away from its last column and row (which Get reaches
+    // only as neighbours), its samples are the canvas's.
+    int differ = 0;
+    for (double y = r.bottom; y <= r.top - 1; y += 0.5)
+        for (double x = r.left; x <= r.right - 1; x += 0.5) {
+            const QorMath::vector2dT<float, 1> p{float(x), float(y)};
+            differ += region.Get(p) != canvas.Get(p);
+        }
+
+    auto cells = [](const tagRECT& c) {
+        const double l = c.left - 0.5, t = c.top + 0.5, rt = c.right + 0.5, b = c.bottom - 0.5;
+        return std::vector<Point2d>{{l, t}, {rt, t}, {rt, b}, {l, b}};
+    };
+    panel.polyline(cells(canvas.GetCGIRECT()), frame, true);
+    drawVectorField(panel, canvas, 1, runs, arrows);
+    for (const Swirl& s : swirls) {
+        const Point2d centre{s.dx + (s.size - 1) / 2.0, s.dy + (s.size - 1) / 2.0};
+        for (int k = 1; k <= 3; ++k) {
+            const double r0 = s.size / 2.0 * k / 4;
+            panel.polyline(traceStreamline(canvas, {centre.x + r0, centre.y}, r0 / 20, QorMath::TwoPi * r0), stream);
+        }
+        panel.polyline(cells({s.dx, s.dy + s.size - 1, s.dx + s.size - 1, s.dy}), copy, true);
+    }
+    panel.polyline(cells(r), regionStyle, true);
+    const tagRECT all = canvas.GetCGIRECT();
+    panel.label({r.left - 0.5, all.top + 0.5}, "GetRegion " + std::to_string(region.width()) + " x " +
+                std::to_string(region.height()) + ": " + std::to_string(region.GetStoredCellCount()) + " stored",
+                -5, svg::Anchor::Start, 11, regionStyle.stroke);
+    panel.label({all.left - 0.5, all.bottom - 0.5}, std::to_string(canvas.GetStoredCellCount()) + " of " +
+                std::to_string(canvas.width() * canvas.height()) + " cells stored, one run per row",
+                14, svg::Anchor::Start, 11, "#374151");
+    panel.legend(runs, "stored runs", true);
+    panel.legend(arrows, "Get at cells");
+    panel.legend(stream, "streamlines");
+    panel.legend(copy, "copies");
+    panel.legend(regionStyle, "region");
+    return summary + "; " + std::to_string(canvas.GetStoredCellCount()) + " cells stored of " +
+           std::to_string(canvas.width() * canvas.height()) + "; region " + std::to_string(region.width()) + " x " +
+           std::to_string(region.height()) + " with " + std::to_string(region.GetStoredCellCount()) +
+           " stored, samples " + (differ == 0 ? "equal to the canvas's" : std::to_string(differ) + " differ");
+}
+
 // One entry per family: the key printed in the summary, the panel title, and
 // the function that draws the panel and returns its one-line summary.
 struct PanelEntry {
@@ -730,6 +877,8 @@ const PanelEntry kPanels[] = {
     {"cusps", "Offset cusps at two distances", drawOffsetCusps},
     {"fit", "Cubics fitted to noisy samples", drawFit},
     {"offsets", "Offsets at several distances, cusps marked", drawOffsets},
+    {"layout", "Layouts in one container: alignments, margins, a minimum", drawLayouts},
+    {"field", "A vector field: two swirls blitted, a region cut out", drawSwirls},
 };
 
 }  // namespace

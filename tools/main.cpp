@@ -40,6 +40,8 @@ int main(int argc, char** argv) {
         qtool::addCuspsCommand(app, global),
         qtool::addOffsetCommand(app, global),
         qtool::addFitCommand(app, global),
+        qtool::addLayoutCommand(app, global),
+        qtool::addFieldCommand(app, global),
         qtool::addGalleryCommand(app, global),
     };
 
