@@ -12,8 +12,12 @@ max_err, the peer's matched tol; closest-point agree, end_miss, other_miss,
 pair), the intersection agreement (found, ref, missed, extra, end_miss,
 max_err), the fit errors (sq_mean, sq_med, sq_max: squared distances) and the
 offsets (pieces per curve with its ratio, max_dev, over_tol, unmet), with the time of
-one item (per_item: a pair, a line, a fit or a curve). One table per Family;
-cases without a counterpart are listed after it.
+one item (per_item: a pair, a line, a fit or a curve), and the vector field's rates
+(cells_per_s, rows_per_s, samples_per_s). A peer named Serial is our own call run
+on one thread: its row also shows the speed-up, serial time over ours. Cases
+measured on wall-clock time (UseRealTime, for the multi-threaded calls) are
+compared by that time, all others by CPU time. One table per Family; cases
+without a counterpart are listed after it.
 
   report.py build/bench/bench_matrix build/bench/bench_flatten ... [--min-time 0.2] [--filter REGEX]
   report.py results.json          (the output of --benchmark_format=json)
@@ -26,6 +30,7 @@ import sys
 from collections import OrderedDict
 
 OURS = "QorMath"
+SERIAL = "Serial"
 
 # (counter, format, with a ratio ours/peer, or None for a value both sides
 # share, shown once); "time" is a counter in seconds.
@@ -53,6 +58,9 @@ COUNTERS = [
     ("sq_mean", "%.2e", False),
     ("sq_med", "%.2e", False),
     ("sq_max", "%.2e", False),
+    ("cells_per_s", "rate", False),
+    ("rows_per_s", "rate", False),
+    ("samples_per_s", "rate", False),
 ]
 
 NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -92,7 +100,16 @@ def per_case(data):
 
 
 def ns(b):
-    return b["cpu_time"] * NS[b.get("time_unit", "ns")]
+    # A multi-threaded case's CPU time is the calling thread's alone: use the wall clock it asked for.
+    wall = b.get("run_name", b["name"]).endswith("/real_time")
+    return b["real_time" if wall else "cpu_time"] * NS[b.get("time_unit", "ns")]
+
+
+def fmt_rate(v):
+    for unit, scale in (("G", 1e9), ("M", 1e6), ("k", 1e3)):
+        if v >= scale:
+            return "%.2f%s/s" % (v / scale, unit)
+    return "%.1f/s" % v
 
 
 def fmt_time(t):
@@ -108,6 +125,8 @@ def fmt_counter(fmt, b, name):
         return "-"
     if fmt == "time":
         return fmt_time(v * 1e9)
+    if fmt == "rate":
+        return fmt_rate(v)
     return fmt % (int(round(v)) if fmt == "%d" else v)
 
 
@@ -125,8 +144,9 @@ def report(title, rows):
     ours_rows = [b for (case, impl), b in rows.items() if is_ours(impl)]
     counters = [c for c in COUNTERS if any(c[0] in b for b in rows.values())]
     gbs = any("bytes_per_second" in b for b in ours_rows)
+    serial = any(impl == SERIAL for (_, impl) in rows)
 
-    head = ["case", "ours", "peer", "time ours", "time peer", "time o/p"]
+    head = ["case", "ours", "peer", "time ours", "time peer", "time o/p"] + (["speed-up"] if serial else [])
     for name, _, ratio in counters:
         if ratio is None:
             head.append(name)
@@ -145,6 +165,8 @@ def report(title, rows):
                 continue
             paired.update([(case, mine), (case, impl)])
             r = [case, mine, impl, fmt_time(ns(ours)), fmt_time(ns(peer)), "%.2f" % (ns(ours) / ns(peer))]
+            if serial:
+                r.append("%.2fx" % (ns(peer) / ns(ours)) if impl == SERIAL else "-")
             for name, f, ratio in counters:
                 if ratio is None:
                     r.append(fmt_counter(f, ours, name))

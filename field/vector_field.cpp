@@ -77,11 +77,11 @@ void VectorField::Initialize(int width, int height, int originX, int originY) {
 
 void VectorField::Initialize(const tagRECT& r) {
     // Inclusive bounds: r.right - r.left + 1 columns. In 64 bits, so that an
-    // extent beyond int (a rectangle spanning most of the int32 plane) becomes
-    // an empty field rather than an overflow.
+    // extent beyond int either way (a rectangle spanning most of the int32
+    // plane, or inverted across it) becomes an empty field, not a wrapped size.
     const long long w = static_cast<long long>(r.right) - r.left + 1;
     const long long h = static_cast<long long>(r.top) - r.bottom + 1;
-    if (w > INT32_MAX || h > INT32_MAX) {
+    if (w < 1 || h < 1 || w > INT32_MAX || h > INT32_MAX) {
         Initialize(0, 0, 0, 0);
         return;
     }
