@@ -1,14 +1,13 @@
-#include <QorMath/QorMath.h>
-#include <gtest/gtest.h>
 #include <tbb/task_arena.h>
 
 #include <algorithm>
 #include <climits>
-#include <random>
 #include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
+
+#include "../test_util.h"
 
 using namespace QorMath;
 using V = VectorField::Vector;
@@ -16,7 +15,7 @@ using Span = std::pair<size_t, size_t>;
 
 namespace {
 
-// A field read out cell by cell, placed in the plane, with its stored runs (an empty run as [0, 0)).
+// A field read out cell by cell, placed in the plane, with its stored runs (an empty run is [0, 0)).
 struct Snap {
     long long x0 = 0, y0 = 0;
     int w = 0, h = 0;
@@ -30,25 +29,20 @@ Snap Take(const VectorField& f) {
     Snap s{f.GetCGIRECT().left, f.GetCGIRECT().bottom, f.width(), f.height(), {}, {}};
     for (int r = 0; r < s.h; ++r) {
         for (int c = 0; c < s.w; ++c) s.v.push_back(f.Get_nooffset(c, r));
-        const VectorField::Run run = f.GetStoredRun(r);
-        s.runs.push_back(run.begin == run.end ? Span{0, 0} : Span{run.begin, run.end});
+        s.runs.push_back({f.GetStoredRun(r).begin, f.GetStoredRun(r).end});
     }
     return s;
 }
 
+// Equal geometry and cells, and equal stored runs when asked; a failure names the first difference.
 ::testing::AssertionResult Same(const Snap& g, const Snap& w, bool runs) {
-    auto fail = ::testing::AssertionFailure();
     if (std::tie(g.x0, g.y0, g.w, g.h) != std::tie(w.x0, w.y0, w.w, w.h))
-        return fail << "geometry " << g.x0 << " " << g.y0 << " " << g.w << "x" << g.h << " vs " << w.x0 << " " << w.y0
-                    << " " << w.w << "x" << w.h;
+        return ::testing::AssertionFailure() << "geometry " << g.x0 << " " << g.y0 << " " << g.w << "x" << g.h;
     for (size_t i = 0; i < g.v.size(); ++i)
         if (!(g.v[i] == w.v[i]))
-            return fail << "cell " << i % size_t(w.w) << ", " << i / size_t(w.w) << ": " << g.v[i].x << " " << g.v[i].y
-                        << " vs " << w.v[i].x << " " << w.v[i].y;
+            return ::testing::AssertionFailure() << "cell " << i % size_t(w.w) << ", " << i / size_t(w.w);
     for (size_t r = 0; runs && r < g.runs.size(); ++r)
-        if (g.runs[r] != w.runs[r])
-            return fail << "run of row " << r << ": " << g.runs[r].first << "-" << g.runs[r].second << " vs "
-                        << w.runs[r].first << "-" << w.runs[r].second;
+        if (g.runs[r] != w.runs[r]) return ::testing::AssertionFailure() << "run of row " << r;
     return ::testing::AssertionSuccess();
 }
 
@@ -101,6 +95,8 @@ TEST(VectorFieldBlockCopy, EdgeCases) {
     src.Set(-5, 4, {3, 4});  // source row 1 stores columns 1, 2; the rest of the source is its fill
     const Snap b0 = Take(base), s0 = Take(src);
     EXPECT_TRUE(base.Blit(base, 0, 0) && Same(Take(base), b0, true));
+    d = base;  // shifted onto itself: rows are read before they are overwritten
+    EXPECT_TRUE(!d.Blit(d, 2, 1) && Same(Take(d), ModelBlit(b0, b0, 2, 1), true));
     // (ox, oy): where the source's corner lands in the destination's cells.
     const struct { long long ox, oy; bool fits, untouched; } cases[] = {
         {0, 0, 1, 0},  {4, 3, 1, 0},  {2, 1, 1, 0},  {-1, 1, 0, 0},  {1, -2, 0, 0},  {-3, -2, 0, 0},  // in, clipped
@@ -117,8 +113,9 @@ TEST(VectorFieldBlockCopy, EdgeCases) {
     highRight.Set(INT_MAX, INT_MAX, {1, 1});
     EXPECT_FALSE(lowLeft.Blit(highRight, 0, 0) || highRight.Blit(lowLeft, 0, 0));
     EXPECT_TRUE(lowLeft.GetStoredCellCount() == 0 && highRight.GetStoredCellCount() == 1);
-    // Nothing to copy: true; nowhere to copy to: false.
+    // Nothing to copy: true; nowhere to copy to: false. Contents that leave with an empty rectangle do not fit.
     EXPECT_TRUE(d.Blit(empty, 3, 3) && !empty.Blit(base, 0, 0) && empty.width() == 0);
+    EXPECT_TRUE(!d.Rebound({5, 0, 3, 0}) && d.width() == 0 && empty.Rebound({5, 0, 3, 0}));
     // GetRegion needs two columns and two rows of overlap.
     for (tagRECT r : {tagRECT{12, 30, 12, 0}, tagRECT{0, 23, 40, 23}, tagRECT{17, 99, 30, 25}, tagRECT{0, 10, 40, 30}})
         EXPECT_EQ(base.GetRegion(r).width(), 0) << r.left << " " << r.top;
@@ -127,7 +124,7 @@ TEST(VectorFieldBlockCopy, EdgeCases) {
 
 TEST(VectorFieldBlockCopy, ExtendAndBlitExtend) {
     std::mt19937 rng(4);
-    VectorField f(6, 4, 0, 0), src(5, 4, -3, 7), thin(1, 5, 3, 3), none, e, g;
+    VectorField f(6, 4, 0, 0), src(5, 4, -3, 7), thin(1, 5, 3, 3), none, e;
     Scatter(f, rng, 6);
     Scatter(src, rng, 5);
     thin.Set(3, 4, {1, 1});
@@ -147,9 +144,8 @@ TEST(VectorFieldBlockCopy, ExtendAndBlitExtend) {
     e.Set(8, 6, {5, 5});
     EXPECT_TRUE(!e.BlitExtend(src, 10, -2) && Same(Take(e), shifted, false));  // covered already; still copies
     // Onto a populated field: grow to the union with the source at {-2, 2, 2, -1}, keep the cells, copy.
-    g = f;
-    const Snap g0 = Take(g);
-    EXPECT_TRUE(g.BlitExtend(src, 1, -8) && Same(Take(g), ModelBlit(ModelMove(g0, -2, -1, 8, 11), s0, 1, -8), false));
+    const Snap f1 = Take(f);
+    EXPECT_TRUE(f.BlitExtend(src, 1, -8) && Same(Take(f), ModelBlit(ModelMove(f1, -2, -1, 8, 11), s0, 1, -8), false));
 }
 
 TEST(VectorFieldBlockCopy, LargeRandomFieldsMatchTheCellModel) {
@@ -187,29 +183,23 @@ TEST(VectorFieldBlockCopy, ParallelRowsEqualTheSerialLoop) {
     VectorField src(300, 280, 5, -7), base(330, 310, 0, 0);
     Scatter(src, rng, 250);
     Scatter(base, rng, 250);
+    // Blit, Rebound, BlitExtend and GetRegion into fields of their own, all reading the shared source.
     const auto run = [&] {
         VectorField d, m, g;
         d = base, m = src, g = base;
         const bool flags[] = {d.Blit(src, 3, 9), m.Rebound({-40, 400, 260, -20}), g.BlitExtend(src, -50, 60)};
-        return std::tuple(std::vector<Snap>{Take(d), Take(m), Take(g), Take(src.GetRegion({20, 250, 290, -3}))},
-                          std::vector<bool>(flags, flags + 3));
+        return std::pair(std::vector<Snap>{Take(d), Take(m), Take(g), Take(src.GetRegion({20, 250, 290, -3}))},
+                         std::vector<bool>(flags, flags + 3));
     };
-    const auto serial = tbb::task_arena(1).execute(run), parallel = run();
-    EXPECT_EQ(std::get<1>(parallel), std::get<1>(serial));
-    for (size_t i = 0; i < 4; ++i) EXPECT_TRUE(Same(std::get<0>(parallel)[i], std::get<0>(serial)[i], true)) << i;
-    // Threads blitting from one shared source into fields of their own, all at once.
-    constexpr int kThreads = 4;
-    std::vector<VectorField> dsts(kThreads);
-    std::vector<Snap> want;
-    for (int i = 0; i < kThreads; ++i) {
-        dsts[size_t(i)] = base;
-        tbb::task_arena(1).execute([&] { base.Blit(src, 17 * i - 30, 11 * i - 20); });
-        want.push_back(Take(base));
-        base = dsts[size_t(i)];
-    }
+    // One worker, then all processors: on the calling thread, and on three more threads at once.
+    const auto serial = tbb::task_arena(1).execute(run);
+    std::vector<decltype(run())> results(4);
     std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i)
-        threads.emplace_back([&, i] { dsts[size_t(i)].Blit(src, 17 * i - 30, 11 * i - 20); });
+    results[0] = run();
+    for (size_t i = 1; i < results.size(); ++i) threads.emplace_back([&, i] { results[i] = run(); });
     for (std::thread& t : threads) t.join();
-    for (size_t i = 0; i < kThreads; ++i) EXPECT_TRUE(Same(Take(dsts[i]), want[i], true)) << i;
+    for (const auto& r : results) {
+        EXPECT_EQ(r.second, serial.second);
+        for (size_t i = 0; i < 4; ++i) EXPECT_TRUE(Same(r.first[i], serial.first[i], true)) << i;
+    }
 }

@@ -1,9 +1,5 @@
-#include <QorMath/QorMath.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -50,7 +46,6 @@ Vector2d Bilinear(const VectorField& f, long double lx, long double ly) {
 TEST(VectorFieldGrid, WritesStoreExactlyTheNeededRun) {
     VectorField f(7, 4, -3, 2);
     EXPECT_EQ(Dump(f), Dump(VectorField(tagRECT{0, 3, 6, 0})));  // all (0, 0), nothing stored
-    EXPECT_EQ(f.GetStoredCellCount(), 0u);
     // Set or Add at plane (x, 3), local row 1; then that row's run, the stored count and the cell.
     const struct { bool add; int x; V v; size_t begin, end, count; V now; } steps[] = {
         {false, -2, {0, 0}, 0, 0, 0, {0, 0}},          // the fill outside the run: nothing stored
@@ -65,88 +60,59 @@ TEST(VectorFieldGrid, WritesStoreExactlyTheNeededRun) {
     for (const auto& s : steps) {
         s.add ? f.Add(s.x, 3, s.v) : f.Set(s.x, 3, s.v);
         EXPECT_TRUE(f.GetStoredRun(1).begin == s.begin && f.GetStoredRun(1).end == s.end) << s.x;
-        EXPECT_EQ(f.GetStoredCellCount(), s.count) << s.x;
-        EXPECT_EQ(f.Get_nooffset(s.x + 3, 1), s.now) << s.x;
+        EXPECT_TRUE(f.GetStoredCellCount() == s.count && f.Get_nooffset(s.x + 3, 1) == s.now) << s.x;
     }
 }
 
-TEST(VectorFieldGrid, OutsideWritesAreIgnoredAtTheIntLimits) {
-    for (auto [ox, oy] : {std::pair{0, 0}, {INT_MAX - 6, INT_MIN}, {INT_MIN, INT_MAX - 3}, {-3, 5}}) {
+TEST(VectorFieldGrid, RemapAndOutsideWritesAtTheIntLimits) {
+    std::mt19937 rng(9);
+    for (auto [ox, oy] : {std::pair{3, -2}, {INT_MAX - 6, INT_MIN}, {INT_MIN, INT_MAX - 3}}) {
         VectorField f(7, 4, ox, oy);
+        FillRandom(f, rng);  // every cell, the far corner at INT_MAX for some origins
         const std::vector<double> before = Dump(f);
-        // Every grid's neighbouring rows and columns, and the int limits.
-        const int at[] = {INT_MIN, INT_MIN + 4, INT_MIN + 7, -4, -1, 0, 4, 7, 9, INT_MAX - 7, INT_MAX - 4, INT_MAX};
-        for (int x : at)
-            for (int y : at) {
+        // Per axis the int limits and the grid's cells with two neighbours each side, wrapping at the limits.
+        std::vector<int> xs{INT_MIN, INT_MIN + 1, INT_MAX - 1, INT_MAX}, ys = xs;
+        for (int d = -2; d < 9; ++d) xs.push_back(int(unsigned(ox) + d)), ys.push_back(int(unsigned(oy) + d));
+        for (int x : xs)
+            for (int y : ys) {
                 const long long c = x - (long long)ox, r = y - (long long)oy;
-                if (c >= 0 && c < 7 && r >= 0 && r < 4) continue;
-                f.Set(x, y, {1, 1});
-                f.Add(x, y, {1, 1});
+                const bool inside = c >= 0 && c < 7 && r >= 0 && r < 4, flag0 = (x ^ y) & 1;
+                if (!inside) f.Set(x, y, {1, 1}), f.Add(x, y, {1, 1});  // ignored
                 Vector2d out{7, 7};
-                bool flag = true;
-                EXPECT_TRUE(!f.Remap({x, y}, out, flag) && flag && out == (Vector2d{7, 7})) << x << " " << y;
+                bool flag = flag0;  // never written
+                EXPECT_TRUE(f.Remap({x, y}, out, flag) == inside && flag == flag0) << x << " " << y;
+                EXPECT_EQ(out, (inside ? Wide(f.Get_nooffset(int(c), int(r))) : Vector2d{7, 7})) << x << " " << y;
             }
-        EXPECT_EQ(Dump(f), before);
-        f.Set(ox + 6, oy + 3, {2, 3});  // the far corner, at INT_MAX for some origins
-        f.Add(ox, oy, {-1, 4});
-        Vector2d out{}, out2{};
-        bool flag = false;
-        EXPECT_TRUE(f.Remap({ox + 6, oy + 3}, out, flag) && out == (Vector2d{2, 3}) && !flag);
-        EXPECT_TRUE(f.Remap({ox, oy}, out2, flag) && out2 == (Vector2d{-1, 4}) && f.GetStoredCellCount() == 2);
+        EXPECT_TRUE(Dump(f) == before && f.GetStoredCellCount() == 28);
     }
 }
 
-TEST(VectorFieldGrid, GetIsBilinearAndClampsBeyondEveryEdge) {
-    // Local positions on a 1/16 grid, past both ends; the plane points are exact in float.
+TEST(VectorFieldGrid, GetIsBilinearAndRemapPoint2dSamplesAtTwiceTheOrigin) {
+    // Local positions on a 1/16 grid past both ends, some NaN or infinite; the plane points are exact in float.
+    // Remap_point2d tests the range on p - origin but samples at p - 2·origin.
     std::mt19937 rng(7);
     std::uniform_int_distribution<int> q(-5 * 16, 14 * 16);
-    const float nan = float(qtest::kNaN), inf = INFINITY;
+    const float odd[] = {float(qtest::kNaN), INFINITY, -INFINITY};
     for (auto [w, h] : {std::pair{9, 6}, {1, 5}, {5, 1}, {1, 1}, {2, 2}}) {  // thin fields sample their edge cells
         VectorField f(w, h, -4, 3);
         FillRandom(f, rng);
         for (int i = 0; i < 1000; ++i) {
-            const float lx = i % 97 ? q(rng) / 16.0f : nan, ly = i % 89 ? q(rng) / 16.0f : nan;
+            const float lx = i % 37 ? q(rng) / 16.0f : odd[i % 3], ly = i % 23 ? q(rng) / 16.0f : odd[i % 3];
             EXPECT_TRUE(qtest::Near(Wide(f.Get({lx - 4, ly + 3})), Bilinear(f, lx, ly), 3e-5)) << lx << " " << ly;
+            const bool in = lx >= 0 && lx < w && ly >= 0 && ly < h;
+            Vector2d out{7, 7};
+            EXPECT_EQ(f.Remap_point2d({lx - 4.0, ly + 3.0}, out), in) << lx << " " << ly;
+            EXPECT_TRUE(qtest::Near(out, in ? Bilinear(f, lx + 4, ly - 3) : Vector2d{7, 7}, 3e-5)) << lx << " " << ly;
         }
     }
-    // Clamped positions have fraction 0 and give a cell exactly: the right and top clamps are column 7, row 4.
+    // Clamped positions have fraction 0 and give a cell exactly: beyond the right edge, column width - 2.
     VectorField f(9, 6, -4, 3);
     FillRandom(f, rng);
-    const struct { float x, y; int c, r; } exact[] = {
-        {100, 5, 7, 2},  {4, 5, 7, 2},     {-100, -100, 0, 0}, {100, 100, 7, 4}, {nan, 5, 7, 2},
-        {nan, nan, 7, 4}, {-1, inf, 3, 4}, {-inf, 4, 0, 1},    {0, 9, 4, 4},     {3.5f, nan, 7, 4}};
-    for (const auto& e : exact) EXPECT_EQ(f.Get({e.x, e.y}), f.Get_nooffset(e.c, e.r)) << e.x << " " << e.y;
-    EXPECT_TRUE(VectorField().Get({0, 0}) == (V{0, 0}) && VectorField().Get({nan, nan}) == (V{0, 0}));
-}
-
-TEST(VectorFieldGrid, RemapReadsCellsAndRemapPoint2dSamplesAtTwiceTheOrigin) {
-    std::mt19937 rng(9);
-    VectorField f(5, 4, 3, -2);
-    FillRandom(f, rng);
-    for (int x = 1; x <= 9; ++x)
-        for (int y = -4; y <= 3; ++y) {
-            const bool inside = x >= 3 && x < 8 && y >= -2 && y < 2, flag0 = (x + y) & 1;
-            Vector2d out{7, 7};
-            bool flag = flag0;
-            EXPECT_TRUE(f.Remap({x, y}, out, flag) == inside && flag == flag0) << x << " " << y;
-            EXPECT_EQ(out, inside ? Wide(f.Get_nooffset(x - 3, y + 2)) : (Vector2d{7, 7}));
-        }
-    // The range test takes p - origin, the sample p - 2·origin; at origin (0, 0) both agree.
-    for (auto [ox, oy] : {std::pair{2, 1}, {0, 0}, {-3, 4}}) {
-        VectorField g(6, 5, ox, oy);
-        FillRandom(g, rng);
-        for (int i = 0; i < 1000; ++i) {
-            const Point2d p{ox + int(rng() % 81) / 8.0 - 2, oy + int(rng() % 73) / 8.0 - 2};
-            const bool in = p.x >= ox && p.x < ox + 6 && p.y >= oy && p.y < oy + 5;
-            Vector2d out{7, 7};
-            EXPECT_EQ(g.Remap_point2d(p, out), in) << p.x << " " << p.y;
-            EXPECT_TRUE(qtest::Near(out, in ? Bilinear(g, p.x - 2 * ox, p.y - 2 * oy) : Vector2d{7, 7}, 3e-5));
-        }
-        // The test is on p narrowed to float: just below either edge rounds onto it.
-        Vector2d out{};
-        EXPECT_FALSE(g.Remap_point2d({ox + 6 - 1e-9, oy + 1.0}, out));
-        EXPECT_TRUE(ox == 0 || g.Remap_point2d({ox - 1e-9, oy + 1.0}, out));
-    }
+    EXPECT_TRUE(f.Get({100, 5}) == f.Get_nooffset(7, 2) && f.Get({odd[0], odd[2]}) == f.Get_nooffset(7, 0));
+    EXPECT_TRUE(VectorField().Get({0, 0}) == (V{0, 0}) && VectorField().Get({odd[0], odd[0]}) == (V{0, 0}));
+    // The range test is on p narrowed to float: just below either edge rounds onto it.
+    Vector2d out{};
+    EXPECT_TRUE(!f.Remap_point2d({5 - 1e-9, 4.0}, out) && f.Remap_point2d({-4 - 1e-9, 4.0}, out));
 }
 
 TEST(VectorFieldGrid, GeometryAndInitialize) {
@@ -158,14 +124,15 @@ TEST(VectorFieldGrid, GeometryAndInitialize) {
     VectorField f(10, 5, 3, 4);
     EXPECT_EQ(rect(f), (std::vector<int>{3, 8, 12, 4, 10, 5}));
     f.Set(4, 5, {1, 1});
+    f.Initialize(tagRECT{-2, 7, 4, 3});  // fresh rows again
+    EXPECT_TRUE(rect(f) == (std::vector<int>{-2, 7, 4, 3, 7, 5}) && f.GetStoredCellCount() == 0);
+    EXPECT_EQ(rect(VectorField(tagRECT{INT_MAX - 2, INT_MIN + 1, INT_MAX, INT_MIN})),
+              (std::vector<int>{INT_MAX - 2, INT_MIN + 1, INT_MAX, INT_MIN, 3, 2}));
+    f.Set(0, 5, {1, 1});
     for (auto [w, h] : {std::pair{0, 5}, {5, 0}, {-3, 7}}) {
         f.Initialize(w, h, 7, 7);
         EXPECT_TRUE(rect(f) == empty && f.GetStoredCellCount() == 0) << w << " " << h;
     }
-    f.Initialize(tagRECT{-2, 7, 4, 3});
-    EXPECT_EQ(rect(f), (std::vector<int>{-2, 7, 4, 3, 7, 5}));
-    EXPECT_EQ(rect(VectorField(tagRECT{INT_MAX - 2, INT_MIN + 1, INT_MAX, INT_MIN})),
-              (std::vector<int>{INT_MAX - 2, INT_MIN + 1, INT_MAX, INT_MIN, 3, 2}));
     for (tagRECT r : {tagRECT{INT_MIN, 0, INT_MAX, 0}, tagRECT{0, INT_MAX, 0, INT_MIN}, tagRECT{5, 0, 3, 0}}) {
         f.Initialize(r);  // wider than int, or inverted: empty
         EXPECT_EQ(rect(f), empty);
@@ -179,21 +146,16 @@ TEST(VectorFieldGrid, MoveCopyAndClear) {
     FillRandom(dst, rng);
     const std::vector<double> dump = Dump(a), dst0 = Dump(dst);
     VectorField b(std::move(a)), c;
-    EXPECT_EQ(Dump(b), dump);
     // The moved-from field keeps its geometry but acts empty.
     Vector2d out{};
     bool flag = false;
-    EXPECT_TRUE(a.width() == 6 && a.height() == 5 && a.GetCGIRECT().left == -1 && a.GetCGIRECT().bottom == 2);
-    EXPECT_TRUE(a.GetStoredCellCount() == 0 && a.Get({0, 3}) == (V{0, 0}) && !a.Remap({0, 3}, out, flag));
-    EXPECT_TRUE(dst.Blit(a, 0, 0));
-    EXPECT_EQ(Dump(dst), dst0);
+    EXPECT_TRUE(Dump(b) == dump && a.width() == 6 && a.height() == 5 && a.GetCGIRECT().left == -1);
+    EXPECT_TRUE(a.GetCGIRECT().bottom == 2 && a.GetStoredCellCount() == 0 && a.Get({0, 3}) == (V{0, 0}));
+    EXPECT_TRUE(!a.Remap({0, 3}, out, flag) && dst.Blit(a, 0, 0) && Dump(dst) == dst0);
     c = std::move(b);
     VectorField& alias = c;
     c = std::move(alias);  // self-move keeps everything
     EXPECT_TRUE(Dump(c) == dump && b.GetStoredCellCount() == 0);
-    a.Initialize(3, 3, 0, 0);  // usable again
-    a.Set(1, 1, {1, 1});
-    EXPECT_EQ(a.GetStoredCellCount(), 1u);
     dst = c;  // deep: changing the original leaves the copy alone
     c.Set(0, 3, {9, 9});
     c.Add(1, 4, {9, 9});
