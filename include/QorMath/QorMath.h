@@ -1,7 +1,9 @@
 #ifndef QORMATH_QORMATH_H
 #define QORMATH_QORMATH_H
 
-// Every family of the library in one include.
+/// \file
+/// Every family of the library in one include: types.h, matrix.h, angles.h,
+/// bounds.h, bezier.h, fitting.h, layout.h, field.h and misc.h.
 
 #include "QorMath/types.h"
 #include "QorMath/matrix.h"

@@ -1,28 +1,34 @@
 #ifndef QORMATH_BEZIER_H
 #define QORMATH_BEZIER_H
 
-// Cubic Bezier segments.
-//
-// A segment is four control points P0, P1, P2, P3 (start anchor, start handle,
-// end handle, end anchor); the parameter t runs from 0 (P0) to 1 (P3).
-// Output layouts of the splitting functions:
-//   4 points: one piece, P0'..P3'.
-//   7 points: left piece in [0..3], right piece in [3..6]; [3] is the split point.
-//   10 points: pieces [0,t0], [t0,t1], [t1,1] in [0..3], [3..6], [6..9].
-// Parameters are not clamped: values outside [0, 1] extrapolate the curve.
-// Every interpolation between a and b at s is (b - a)·s + a, per coordinate, so
-// results are reproducible to the bit. Integer (tagPOINT) forms convert to
-// double, run the double computation and round each output coordinate once,
-// half away from zero (RoundToInt). Outputs must not overlap the input.
+/// \file
+/// Cubic Bezier segments.
+///
+/// A segment is four control points P0, P1, P2, P3 (start anchor, start handle,
+/// end handle, end anchor); the parameter t runs from 0 (P0) to 1 (P3).
+/// Output layouts of the splitting functions:
+///  - 4 points: one piece, P0'..P3'.
+///  - 7 points: left piece in [0..3], right piece in [3..6]; [3] is the split point.
+///  - 10 points: pieces [0,t0], [t0,t1], [t1,1] in [0..3], [3..6], [6..9].
+///
+/// Parameters are not clamped: values outside [0, 1] extrapolate the curve.
+/// Every interpolation between a and b at s is (b - a)·s + a, per coordinate, so
+/// results are reproducible to the bit. Integer (tagPOINT) forms convert to
+/// double, run the double computation and round each output coordinate once,
+/// half away from zero (RoundToInt). Outputs must not overlap the input.
 
 #include <vector>
 
 #include "QorMath/types.h"
 
 namespace QorMath {
+/// Operations on one cubic Bezier segment: evaluation, splitting, construction,
+/// analysis, intersection, self-intersection and offset cusps.
 namespace CubicBezier {
 
 // ---- Power basis -----------------------------------------------------------
+/// \name Power basis
+/// @{
 
 /// The power-basis coefficients of a segment, B(t) = ((a·t + b)·t + c)·t + d:
 /// a = P3 − 3·(P2 − P1) − P0, b = 3·(P2 − 2·P1 + P0), c = 3·(P1 − P0), d = P0,
@@ -38,8 +44,11 @@ QORMATH_API vector2dT<double, 1> Evaluate(const vector2dT<double, 1>& a, const v
 QORMATH_API vector2dT<double, 0> EvaluateDerivative(const vector2dT<double, 1>& a,
                                                     const vector2dT<double, 1>& b,
                                                     const vector2dT<double, 1>& c, double t);
+/// @}
 
 // ---- Split and subsection (double) -----------------------------------------
+/// \name Split and subsection (double)
+/// @{
 
 /// left = piece [0, t], right = piece [t, 1] (de Casteljau).
 QORMATH_API void Split(double t, const vector2dT<double, 1> points[4], vector2dT<double, 1> left[4],
@@ -63,8 +72,11 @@ QORMATH_API void RightOf(double t, const vector2dT<double, 1> points[4], vector2
 /// is not an error: the ratio exceeds 1 and the piece is extrapolated.
 QORMATH_API void Subsection(double t0, double t1, const vector2dT<double, 1> points[4],
                             vector2dT<double, 1> out[4]);
+/// @}
 
 // ---- Split and subsection (integer) ----------------------------------------
+/// \name Split and subsection (integer)
+/// @{
 
 /// As the double form, rounded.
 QORMATH_API void Split(double t, const tagPOINT points[4], tagPOINT left[4], tagPOINT right[4]);
@@ -81,8 +93,11 @@ QORMATH_API void LeftOf(double t, const tagPOINT points[4], tagPOINT out[4]);
 QORMATH_API void RightOf(double t, const tagPOINT points[4], tagPOINT out[4]);
 /// As the double form (same branches), rounded once at the end.
 QORMATH_API void Subsection(double t0, double t1, const tagPOINT points[4], tagPOINT out[4]);
+/// @}
 
 // ---- Construction from three points ----------------------------------------
+/// \name Construction from three points
+/// @{
 
 /// A cubic from start A through M to end B: a quadratic control point Q raised
 /// to cubic degree (P1 = A + ⅔(Q − A), P2 = Q + ⅓(B − Q)), rounded.
@@ -99,19 +114,22 @@ QORMATH_API void From3Points(tagPOINT out[4], const vector2dT<double, 1>& A, con
 QORMATH_API bool From3Points(tagPOINT out[4], const vector2dT<double, 1>& A, const vector2dT<double, 0>& s,
                              const vector2dT<double, 1>& M, const vector2dT<double, 1>& B,
                              const vector2dT<double, 0>& e);
+/// @}
 
 // ---- Analysis ----------------------------------------------------------------
-// The functions below take the power-basis coefficients a, b, c, d of
-// GetPowerBasis (typed as points) unless they say otherwise. Functions filling a
-// std::vector append to it and never clear it. Root arrays (double*) must hold
-// the solver's maximum: 7 for FindTangentsToPoint, 13 for FindCurvatureMinMax.
-// Parameters found as polynomial roots are in the stated range except near a
-// double root: there the solver's double-root probe can return a root of the
-// derivative just outside [0, 1] in its place. Filter where the range matters.
-// A root that falls exactly on a point where the isolation halves its interval
-// (t = 0.5 first) lands at the end of both halves and is missed: a point on a
-// mirror-symmetric curve at its middle can have no closest point, and a
-// crossing of mirror images at t = 0.5 can go unreported.
+/// \name Analysis
+/// The functions below take the power-basis coefficients a, b, c, d of
+/// GetPowerBasis (typed as points) unless they say otherwise. Functions filling a
+/// std::vector append to it and never clear it. Root arrays (double*) must hold
+/// the solver's maximum: 7 for FindTangentsToPoint, 13 for FindCurvatureMinMax.
+/// Parameters found as polynomial roots are in the stated range except near a
+/// double root: there the solver's double-root probe can return a root of the
+/// derivative just outside [0, 1] in its place. Filter where the range matters.
+/// A root that falls exactly on a point where the isolation halves its interval
+/// (t = 0.5 first) lands at the end of both halves and is missed: a point on a
+/// mirror-symmetric curve at its middle can have no closest point, and a
+/// crossing of mirror images at t = 0.5 can go unreported.
+/// @{
 
 /// Signed curvature (x′y″ − y′x″)/|B′|³ at t, positive where the curve turns
 /// counter-clockwise (y up). False at zero speed, curvature untouched.
@@ -199,9 +217,11 @@ QORMATH_API double Length(const vector2dT<double, 1>& a, const vector2dT<double,
                           const vector2dT<double, 1>& c, LengthAccuracy accuracy);
 /// Length of the piece [0, t] (10-point rule); exactly 0 at t = 0.
 QORMATH_API double LengthTo(double t, const vector2dT<double, 1> points[4]);
+/// As above, integer points converted to double.
 QORMATH_API double LengthTo(double t, const tagPOINT points[4]);
 /// Length of the piece [t, 1] (10-point rule); exactly 0 at t = 1.
 QORMATH_API double LengthFrom(double t, const vector2dT<double, 1> points[4]);
+/// As above, integer points converted to double.
 QORMATH_API double LengthFrom(double t, const tagPOINT points[4]);
 /// The t at which the length from 0 is fraction of the whole: regula falsi on
 /// the length until it is within tolerance (or 200 steps). 0 for fraction <= 0,
@@ -225,17 +245,21 @@ QORMATH_API Side GetSide(const vector2dT<double, 1>& a, const vector2dT<double, 
 QORMATH_API double GetAreaUnderBezier(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
                                       const vector2dT<double, 1>& c, const vector2dT<double, 1>& d);
 /// The point at signed distance distance·scale from B(t) along the left normal
-/// of the (normalised) SafeBezierTangent; positive is to the left of travel.
+/// of SafeBezierTangent (normalised when its squared length exceeds
+/// DBL_EPSILON); positive is to the left of travel.
 QORMATH_API vector2dT<double, 1> MapToBezier(const vector2dT<double, 1> points[4], double t, double distance,
                                              double scale);
+/// @}
 
 // ---- Implicit form and line intersection ------------------------------------
-// A line is two points L0, L1 with parameter s: 0 at L0, 1 at L1, beyond them
-// on the rest of the infinite line. Curve parameters t and line parameters s
-// are stored pairwise: element i of one belongs to element i of the other.
-// includeEnds is handed to the cubic root solver: when set, t = 0 and t = 1 are
-// reported where an end point lies on the line. Near a double root t can fall
-// just outside [0, 1] (see Analysis above).
+/// \name Implicit form and line intersection
+/// A line is two points L0, L1 with parameter s: 0 at L0, 1 at L1, beyond them
+/// on the rest of the infinite line. Curve parameters t and line parameters s
+/// are stored pairwise: element i of one belongs to element i of the other.
+/// includeEnds is handed to the cubic root solver: when set, t = 0 and t = 1 are
+/// reported where an end point lies on the line. Near a double root t can fall
+/// just outside [0, 1] (see Analysis above).
+/// @{
 
 /// The implicit cubic f(x, y) = c1·x³ + c2·y³ + c3·x²y + c4·xy² + c5·x² + c6·y²
 /// + c7·xy + c8·x + c9·y + c10 of the curve with power-basis coefficients a, b,
@@ -264,10 +288,14 @@ QORMATH_API bool FindBezierIntersectionsAtX(const vector2dT<double, 1> points[4]
 /// Whether the curve crosses the closed segment segment[0]–segment[1] (s in
 /// [0, 1]); crossings exactly at the curve's end points do not count.
 QORMATH_API bool DoesBezierIntersectLineSegment(const tagPOINT points[4], const tagPOINT segment[2]);
+/// The same test for double points.
 QORMATH_API bool DoesBezierIntersectLineSegment(const vector2dT<double, 1> points[4],
                                                 const vector2dT<double, 1> segment[2]);
+/// @}
 
 // ---- Curve/curve intersection -----------------------------------------------
+/// \name Curve/curve intersection
+/// @{
 
 /// The intersections of two segments: parameters on the first and second curve
 /// and the points, kept parallel. A curve whose control points lie within 2
@@ -291,6 +319,7 @@ QORMATH_API void FindBezierIntersections(const tagPOINT first[4], const tagPOINT
 /// True at once when an end point of one equals an end point of the other
 /// exactly; otherwise whether FindBezierIntersections finds anything.
 QORMATH_API bool DoBeziersIntersect(const vector2dT<double, 1> first[4], const vector2dT<double, 1> second[4]);
+/// As above, integer points converted to double.
 QORMATH_API bool DoBeziersIntersect(const tagPOINT first[4], const tagPOINT second[4]);
 /// Whether the fat line, every point within w of the segment a–b, touches the
 /// curve. Meant for short fat lines: false whenever neither a nor b lies in the
@@ -300,8 +329,11 @@ QORMATH_API bool DoBeziersIntersect(const tagPOINT first[4], const tagPOINT seco
 /// gives false.
 QORMATH_API bool DoesFatlineIntersectBezier(const vector2dT<double, 1> points[4], const vector2dT<double, 1>& a,
                                             const vector2dT<double, 1>& b, double w);
+/// @}
 
 // ---- Self-intersection -------------------------------------------------------
+/// \name Self-intersection
+/// @{
 
 /// Whether the segment has a loop. When it does, [t1a, t1b] and [t2a, t2b]
 /// (each ascending, clamped to [0, 1]) each contain one of the two parameters of
@@ -311,6 +343,7 @@ QORMATH_API bool DoesFatlineIntersectBezier(const vector2dT<double, 1> points[4]
 /// happen before a false result.
 QORMATH_API bool DoesBezierSelfIntersect(const vector2dT<double, 1> points[4], double& t1a, double& t1b, double& t2a,
                                          double& t2b, bool closedCurve);
+/// As above, integer points converted to double.
 QORMATH_API bool DoesBezierSelfIntersect(const tagPOINT points[4], double& t1a, double& t1b, double& t2a,
                                          double& t2b, bool closedCurve);
 /// The double point of a loop: B(s) = B(t) = point, s from the first interval
@@ -320,10 +353,14 @@ QORMATH_API bool DoesBezierSelfIntersect(const tagPOINT points[4], double& t1a, 
 /// is no loop or nothing is found (s and point may then be written already).
 QORMATH_API bool FindBezierSelfIntersection(const vector2dT<double, 1> points[4], double& s, double& t,
                                             vector2dT<double, 1>& point);
+/// As above, integer points converted to double.
 QORMATH_API bool FindBezierSelfIntersection(const tagPOINT points[4], double& s, double& t,
                                             vector2dT<double, 1>& point);
+/// @}
 
 // ---- Offset cusps ------------------------------------------------------------
+/// \name Offset cusps
+/// @{
 
 /// Clears out, then records the t in [0, 1] where the offset at signed distance
 /// d (positive to the left of travel) has a cusp: where the radius of curvature
@@ -331,20 +368,26 @@ QORMATH_API bool FindBezierSelfIntersection(const tagPOINT points[4], double& s,
 /// cusp exactly at t = 0 is not reported. True when out is non-empty.
 QORMATH_API bool FindOffsetCusps(const vector2dT<double, 1>& a, const vector2dT<double, 1>& b,
                                  const vector2dT<double, 1>& c, double d, std::vector<double>& out);
+/// @}
 
 }  // namespace CubicBezier
 
 // ---- Fat lines -----------------------------------------------------------------
+/// \name Fat lines
+/// @{
 
 /// Whether the segment q0–q1 comes closer than w to the segment p0–p1 (an end
 /// point of one strictly within w of the other), or properly crosses it. Two
 /// segments that only touch, with w = 0, do not intersect.
 QORMATH_API bool DoesFatlineIntersectLine(const vector2dT<double, 1>& p0, const vector2dT<double, 1>& p1,
                                           const vector2dT<double, 1>& q0, const vector2dT<double, 1>& q1, double w);
+/// @}
 
 // ---- Offset curves -----------------------------------------------------------
-// d is a signed distance: positive offsets to the left of the direction of
-// travel (the tangent turned a quarter counter-clockwise, y up).
+/// \name Offset curves
+/// d is a signed distance: positive offsets to the left of the direction of
+/// travel (the tangent turned a quarter counter-clockwise, y up).
+/// @{
 
 /// Whether offsetting by d is acceptable: true unless, at t = 0.5, 0.25 and
 /// 0.75 alike, the centre of curvature lies on the offset side nearer than |d|.
@@ -378,9 +421,12 @@ QORMATH_API bool GetSegmentsToOffset(const vector2dT<double, 1> points[4], doubl
 /// cuts is not null.
 QORMATH_API bool OffsetBezier(const vector2dT<double, 1> points[4], double d, double tolerance,
                               std::vector<vector2dT<double, 1>>& out, std::vector<double>* cuts = nullptr);
+/// @}
 
 // ---- Flattening to lines -----------------------------------------------------
-// One segment to a polyline. No allocation; the output arrays are the caller's.
+/// \name Flattening to lines
+/// One segment to a polyline. No allocation; the output arrays are the caller's.
+/// @{
 
 /// The caller's preferred line count m scaled down for small curves, from the
 /// size S = max(|top − bottom|, right − left) of a box already bounding the
@@ -396,6 +442,7 @@ QORMATH_API int CalculateNumBezierLines(const vector2dT<double, 1> points[4], in
 /// evaluated directly (rounded for tagPOINT). n = 0 leaves P3 in out[0]; a
 /// negative n writes nothing.
 QORMATH_API void BezierToLines(const tagPOINT points[4], tagPOINT* out, int n);
+/// As above in double, nothing rounded.
 QORMATH_API void BezierToLines(const vector2dT<double, 1> points[4], vector2dT<double, 1>* out, int n);
 
 /// Recursive midpoint subdivision until each interval's midpoint lies less than
@@ -407,8 +454,10 @@ QORMATH_API void BezierToLines(const vector2dT<double, 1> points[4], vector2dT<d
 /// = P3 exactly. maximum = 1 gives the chord; maximum < 1 returns 0 and writes
 /// nothing. out must have room for maximum + 1 points.
 QORMATH_API int AdaptiveBezierToLines(const tagPOINT points[4], tagPOINT* out, double tolerance, int maximum);
+/// As above in double: the same subdivision, no rounding of the points.
 QORMATH_API int AdaptiveBezierToLines(const vector2dT<double, 1> points[4], vector2dT<double, 1>* out,
                                       double tolerance, int maximum);
+/// @}
 
 }  // namespace QorMath
 

@@ -1,8 +1,13 @@
 #ifndef QORMATH_EXPORT_H
 #define QORMATH_EXPORT_H
 
-// QORMATH_API marks the documented interface. The library is built with hidden
-// visibility, so everything without this mark stays internal to the shared object.
+/// \file
+/// The export mark of the shared library.
+
+/// QORMATH_API marks the documented interface. The library is built with hidden
+/// visibility, so everything without this mark stays internal to the shared object.
+/// Empty with QORMATH_STATIC (a static build), dllexport/dllimport on Windows,
+/// default visibility elsewhere.
 #if defined(QORMATH_STATIC)
 #define QORMATH_API
 #elif defined(_WIN32)

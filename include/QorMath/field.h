@@ -1,21 +1,22 @@
 #ifndef QORMATH_FIELD_H
 #define QORMATH_FIELD_H
 
-// A sparse grid of 2D float vectors with bilinear sampling and a row-parallel
-// block copy.
-//
-// The grid is `width` columns by `height` rows placed at an integer origin in a
-// y-up plane: plane point (X, Y) is local column X - originX, local row
-// Y - originY, and row 0 is the bottom row. Each row stores one contiguous run
-// of cells [runBegin, runEnd); every other cell of the row reads as the row's
-// fill value, (0, 0) for a fresh row. A mostly uniform field therefore costs a
-// few words per row.
-//
-// Blit, BlitExtend, Rebound, Extend and GetRegion copy row by row; when more
-// than one row is involved the rows are spread over the processors (oneTBB,
-// auto-partitioned). Each task writes only its own destination rows, so the
-// result equals the serial loop's. The field being written must not be used by
-// other threads during the call; distinct fields may be worked on concurrently.
+/// \file
+/// A sparse grid of 2D float vectors with bilinear sampling and a row-parallel
+/// block copy.
+///
+/// The grid is `width` columns by `height` rows placed at an integer origin in a
+/// y-up plane: plane point (X, Y) is local column X - originX, local row
+/// Y - originY, and row 0 is the bottom row. Each row stores one contiguous run
+/// of cells [runBegin, runEnd); every other cell of the row reads as the row's
+/// fill value, (0, 0) for a fresh row. A mostly uniform field therefore costs a
+/// few words per row.
+///
+/// Blit, BlitExtend, Rebound, Extend and GetRegion copy row by row; when more
+/// than one row is involved the rows are spread over the processors (oneTBB,
+/// auto-partitioned). Each task writes only its own destination rows, so the
+/// result equals the serial loop's. The field being written must not be used by
+/// other threads during the call; distinct fields may be worked on concurrently.
 
 #include <cstddef>
 #include <vector>
@@ -24,15 +25,19 @@
 
 namespace QorMath {
 
+/// A width × height grid of float vectors at an integer origin, y-up, each row
+/// one stored run plus a fill value. A value type: movable and assignable, with
+/// copies made through operator= or GetRegion.
 // Exported member by member, so the row helpers stay internal.
 class VectorField {
 public:
+    /// The cell value: a float vector.
     using Vector = vector2dT<float, 0>;
 
     /// The columns a row stores explicitly: [begin, end), empty when equal.
     struct Run {
-        size_t begin;
-        size_t end;
+        size_t begin;  ///< first stored local column
+        size_t end;    ///< one past the last stored local column
     };
 
     /// An empty field: no rows, width, height and origin 0.
@@ -44,9 +49,11 @@ public:
     /// Takes other's rows and copies its geometry; other keeps its geometry but
     /// has no rows and acts as an empty field until initialised or assigned.
     QORMATH_API VectorField(VectorField&& other) noexcept;
+    /// As the move constructor; self-assignment changes nothing.
     QORMATH_API VectorField& operator=(VectorField&& other) noexcept;
     /// Deep copy of rows and geometry.
     QORMATH_API VectorField& operator=(const VectorField& other);
+    /// Frees the rows.
     QORMATH_API ~VectorField();
 
     /// A grid of width × height cells, all (0, 0), at (originX, originY).
@@ -56,7 +63,9 @@ public:
     /// r is inclusive and y-up. Extents beyond the int range count as empty.
     QORMATH_API void Initialize(const tagRECT& r);
 
+    /// The number of columns; 0 for a default or empty-initialised field.
     int width() const { return width_; }
+    /// The number of rows; 0 for a default or empty-initialised field.
     int height() const { return height_; }
     /// The plane rectangle, inclusive: {originX, originY + height - 1,
     /// originX + width - 1, originY} (int32 wrap-around at the extremes).

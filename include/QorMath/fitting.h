@@ -1,7 +1,8 @@
 #ifndef QORMATH_FITTING_H
 #define QORMATH_FITTING_H
 
-// Fitting lines and curves to point sequences.
+/// \file
+/// Fitting lines and curves to point sequences.
 
 #include <vector>
 
@@ -20,7 +21,8 @@ namespace QorMath {
 QORMATH_API void GetLeastSquaresLines(const vector2dT<double, 1>* points, int count, vector2dT<double, 1>& origin,
                                       vector2dT<double, 0>& direction);
 /// The same from the running sums Σx, Σy, Σxy, Σx², Σy² over count points; points
-/// is read only when the cross moment is zero. count = 0 yields NaN outputs.
+/// is read only when the cross moment is zero (and may then be null: direction
+/// (0, 1)). count = 0 yields NaN in both outputs.
 QORMATH_API void GetLeastSquaresLines(double sumX, double sumY, double sumXY, double sumXX, double sumYY,
                                       const vector2dT<double, 1>* points, int count, vector2dT<double, 1>& origin,
                                       vector2dT<double, 0>& direction);
@@ -34,13 +36,17 @@ QORMATH_API void GetLeastSquaresLines(double sumX, double sumY, double sumXY, do
 /// pivoting, and a zero pivot gives infinities or NaN rather than an error.
 class QORMATH_API TridiagonalMatrix {
 public:
+    /// No rows.
     TridiagonalMatrix() = default;
+    /// Copies the rows.
     TridiagonalMatrix(const TridiagonalMatrix& other) = default;
     /// Takes the rows; other is left with none.
     TridiagonalMatrix(TridiagonalMatrix&& other) noexcept;
+    /// Copies the rows; self-assignment changes nothing.
     TridiagonalMatrix& operator=(const TridiagonalMatrix& other);
     /// Takes the rows; other is left with none.
     TridiagonalMatrix& operator=(TridiagonalMatrix&& other) noexcept;
+    /// Frees the rows.
     ~TridiagonalMatrix() = default;
 
     /// Appends the next row.
@@ -70,17 +76,19 @@ private:
 };
 
 // ---- Least-squares cubic Bezier fitting ----------------------------------------
-// Control points are written as four points: start anchor, start handle, end
-// handle, end anchor. The fit error is a squared distance: the largest squared
-// distance from a data point to the curve, raised to the squared overshoot where
-// the curve's box passes the data's box. DBL_MAX (1.7976931348623157e308) means
-// no fit was made. u holds each point's parameter: in, the starting guess; out,
-// the parameters of the last pass, normalised to [0, 1].
+/// \name Least-squares cubic Bezier fitting
+/// Control points are written as four points: start anchor, start handle, end
+/// handle, end anchor. The fit error is a squared distance: the largest squared
+/// distance from a data point to the curve, raised to the squared overshoot where
+/// the curve's box passes the data's box. DBL_MAX (1.7976931348623157e308) means
+/// no fit was made. u holds each point's parameter: in, the starting guess; out,
+/// the parameters of the last pass, normalised to [0, 1].
+/// @{
 
 /// Each point's accumulated chord length from the first, as a fraction of the
 /// whole; u is resized to count, u[0] = 0 and u[count − 1] = 1 exactly (so
 /// count = 1 gives {1}). Coincident points give NaN inside. Throws
-/// std::length_error for count <= 0.
+/// std::length_error for count <= 0 (count = 0 clears u first).
 QORMATH_API void Calculate_u(const vector2dT<double, 1>* points, int count, std::vector<double>& u);
 
 /// A cubic through the first and last point leaving along startTangent and
@@ -89,8 +97,9 @@ QORMATH_API void Calculate_u(const vector2dT<double, 1>* points, int count, std:
 /// after maxIterations passes, when a pass has error below tolerance, or when
 /// a pass is more than twice as bad as the best; a pass that is no better, or
 /// needed a handle pointing backwards, is not kept (such a handle is replaced
-/// by 0.333·|D| / max(|D|, |startTangent|) tangent lengths, D the chord). worstParameter (may be null) receives the parameter of the worst point
-/// of the last pass measured. Two points give the chord thirds and error 0.
+/// by 0.333·|D| / max(|D|, |startTangent|) tangent lengths, D the chord).
+/// worstParameter (may be null) receives the parameter of the worst point of
+/// the last pass measured. Two points give the chord thirds and error 0.
 QORMATH_API double LeastSquares(const vector2dT<double, 1>* points, double* u, int count,
                                 const vector2dT<double, 0>& startTangent, const vector2dT<double, 0>& endTangent,
                                 vector2dT<double, 1>* out, int maxIterations, double* worstParameter,
@@ -123,6 +132,7 @@ QORMATH_API double LeastSquares(const vector2dT<double, 1>* points, int count, i
 /// x equal).
 QORMATH_API bool LeastSquares(const vector2dT<double, 1>* points, unsigned long long count,
                               std::vector<double>& coefficients);
+/// @}
 
 }  // namespace QorMath
 

@@ -1,14 +1,15 @@
 #ifndef QORMATH_LAYOUT_H
 #define QORMATH_LAYOUT_H
 
-// Placing one rectangle inside another with margins, minimum sizes and
-// alignment, and the nine anchor positions of a rectangle.
-//
-// Every quantity resolves against the container's *signed* extent along its
-// axis: E = right - left horizontally, E = bottom - top vertically (negative for
-// an ordinary y-up rectangle). An Absolute amount takes E's sign, so margins
-// always point inward and sizes grow the way the container does, however the
-// container is stored; a Relative amount is a fraction of E.
+/// \file
+/// Placing one rectangle inside another with margins, minimum sizes and
+/// alignment, and the nine anchor positions of a rectangle.
+///
+/// Every quantity resolves against the container's *signed* extent along its
+/// axis: E = right - left horizontally, E = bottom - top vertically (negative for
+/// an ordinary y-up rectangle). An Absolute amount takes E's sign, so margins
+/// always point inward and sizes grow the way the container does, however the
+/// container is stored; a Relative amount is a fraction of E.
 
 #include "QorMath/matrix.h"
 #include "QorMath/types.h"
@@ -32,28 +33,51 @@ public:
     /// Every Value Unset with amount 0, alignments Bottom and Left, keep skew on.
     Layout();
 
+    /// Sets the object's width; Unset spans the container between the margins.
     void SetWidth(const Value& v) { width_ = v; }
+    /// The width as set.
     const Value& GetWidth() const { return width_; }
+    /// Sets the object's height; Unset spans the container between the margins.
     void SetHeight(const Value& v) { height_ = v; }
+    /// The height as set.
     const Value& GetHeight() const { return height_; }
+    /// Sets the minimum width, applied only when no width is set.
     void SetMinimumWidth(const Value& v) { minimumWidth_ = v; }
+    /// The minimum width as set.
     const Value& GetMinimumWidth() const { return minimumWidth_; }
+    /// Sets the minimum height, applied only when no height is set.
     void SetMinimumHeight(const Value& v) { minimumHeight_ = v; }
+    /// The minimum height as set.
     const Value& GetMinimumHeight() const { return minimumHeight_; }
+    /// Sets the inset from the container's left edge (Unset: 0).
     void SetLeftMargin(const Value& v) { leftMargin_ = v; }
+    /// The left margin as set.
     const Value& GetLeftMargin() const { return leftMargin_; }
+    /// Sets the inset from the container's right edge (Unset: 0).
     void SetRightMargin(const Value& v) { rightMargin_ = v; }
+    /// The right margin as set.
     const Value& GetRightMargin() const { return rightMargin_; }
+    /// Sets the inset from the container's top edge (Unset: 0).
     void SetTopMargin(const Value& v) { topMargin_ = v; }
+    /// The top margin as set.
     const Value& GetTopMargin() const { return topMargin_; }
+    /// Sets the inset from the container's bottom edge (Unset: 0).
     void SetBottomMargin(const Value& v) { bottomMargin_ = v; }
+    /// The bottom margin as set.
     const Value& GetBottomMargin() const { return bottomMargin_; }
+    /// Sets which horizontal edge the box keeps (values outside the enumeration
+    /// are stored as given).
     void SetVerticalAlignment(Vertical::Alignment a) { vertical_ = a; }
+    /// The vertical alignment as set.
     Vertical::Alignment GetVerticalAlignment() const { return vertical_; }
+    /// Sets which vertical edge the box keeps (values outside the enumeration
+    /// are stored as given).
     void SetHorizontalAlignment(Horizontal::Alignment a) { horizontal_ = a; }
+    /// The horizontal alignment as set.
     Horizontal::Alignment GetHorizontalAlignment() const { return horizontal_; }
     /// The keep-skew wish. (The published name is spelled "Maintian".)
     void SetMaintianSkewIfPossible(bool keep) { maintainSkew_ = keep; }
+    /// The keep-skew wish as set (on by default).
     bool GetMaintianSkewIfPossible() const { return maintainSkew_; }
 
     /// True when keep-skew is on and neither width nor height is set.

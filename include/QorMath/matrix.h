@@ -1,8 +1,12 @@
 #ifndef QORMATH_MATRIX_H
 #define QORMATH_MATRIX_H
 
-// The 2D affine matrix, its builders, its decomposition into scale, skew,
-// rotation and origin, and the flat UTL interface for older callers.
+/// \file
+/// The 2D affine matrix, its builders, its decomposition into scale, skew,
+/// rotation and origin, and the flat UTL interface for older callers.
+///
+/// MATRIX and the UTL functions are outside the QorMath namespace. The builders
+/// take radians; the UTL functions take int32 millionths of a degree.
 
 #include "QorMath/types.h"
 
@@ -11,12 +15,12 @@
 /// `A * B` applies B first. Brace-initialise as {a, b, tx, c, d, ty};
 /// the identity is {1, 0, 0, 0, 1, 0}.
 struct QORMATH_API MATRIX {
-    double a;
-    double b;
-    double tx;
-    double c;
-    double d;
-    double ty;
+    double a;   ///< x' coefficient of x
+    double b;   ///< x' coefficient of y
+    double tx;  ///< x translation
+    double c;   ///< y' coefficient of x
+    double d;   ///< y' coefficient of y
+    double ty;  ///< y translation
 
     /// The point (a·x + b·y + tx, c·x + d·y + ty).
     QorMath::vector2dT<double, 1> operator()(const QorMath::vector2dT<double, 1>& p) const;
@@ -41,7 +45,8 @@ struct QORMATH_API MATRIX {
     QorMath::vector2dT<double, 0> GetUntransformedVector(const QorMath::vector2dT<double, 0>& w) const;
     /// Direction in [0, 2π) of the image of the unit vector at angle radians.
     double GetTransformedRadians(double angle) const;
-    /// Direction in [0, 2π) of the pre-image of the unit vector at angle radians.
+    /// Direction in [0, 2π) of the pre-image of the unit vector at angle radians;
+    /// angle itself, reduced, when |det| <= DBL_EPSILON.
     double GetUntransformedRadians(double angle) const;
 
     /// Inverts in place. When |det| <= tolerance all six fields become 0 and the
@@ -80,7 +85,10 @@ struct QORMATH_API MATRIX {
     /// it lengthens any vector.
     double GetMaximumMatrixVectorScale() const;
 
-    // Classification. A quantity is within tol when |x| <= tol; NaN never is.
+    /// \name Classification
+    /// A quantity is within tol when |x| <= tol; NaN never is.
+    /// @{
+
     /// b != 0 and c != 0, exactly; tolerance ignored.
     bool IsRotated(double tolerance) const;
     /// a != 1, d != 1, b == 0, c == 0, exactly; tolerance ignored. A matrix that
@@ -100,17 +108,22 @@ struct QORMATH_API MATRIX {
     bool IsMirrored() const;
     /// The columns are perpendicular within tolerance (a·b + c·d).
     bool IsOrthogonal(double tolerance) const;
-    /// Unit, perpendicular columns within tolerance.
+    /// Unit, perpendicular columns within tolerance: each squared column length
+    /// within tolerance of 1, and a·b + c·d within tolerance.
     bool IsOrthonormal(double tolerance) const;
-    /// Perpendicular columns of equal squared length within tolerance.
+    /// Perpendicular columns of equal squared length within tolerance (a zero
+    /// linear part qualifies).
     bool IsUniformOrthogonal(double tolerance) const;
     /// Axis-aligned with unit scales (any signs), or a quarter turn or axis swap.
     bool IsOrthonormalAxisAligned(double tolerance) const;
+    /// @}
 };
 
 namespace QorMath {
 
-// Builders. Angles are radians, counter-clockwise positive.
+/// \name Builders
+/// Angles are radians, counter-clockwise positive.
+/// @{
 
 /// {1, 0, 0, 0, 1, 0}.
 QORMATH_API MATRIX IdentityMatrix();
@@ -146,9 +159,12 @@ QORMATH_API MATRIX ConstructBBoxScaleMatrix(const BoundsT<double>& b, bool withO
 /// Maps from onto to about their centres, scaled per mode. Zero-sized from is
 /// not guarded: the result holds infinities or NaN.
 QORMATH_API MATRIX ConstructRectTransformMatrix(const BoundsT<double>& from, const BoundsT<double>& to, MapMode mode);
-/// t · m with m's own scales kept; the change of scale (P's over m's, per axis)
-/// is returned in scaleOut.
+/// P = t · m (m first, then t) with m's own scales kept: P's rotation, skew and
+/// origin recomposed with m's scaleX and scaleY. The change of scale (P's over
+/// m's, per axis) is returned in scaleOut. Failed decompositions are not
+/// reported: their unwritten fields read scale 1, skew 0, rotation 0.
 QORMATH_API MATRIX TransformMatrixAndSeparateScale(const MATRIX& m, const MATRIX& t, vector2dT<double, 0>& scaleOut);
+/// @}
 
 /// Every field of m1 within tolerance (inclusive) of m2's.
 QORMATH_API bool IsEqual(const MATRIX& m1, const MATRIX& m2, double tolerance);
@@ -172,23 +188,31 @@ QORMATH_API vector2dT<double, 0> GetScaleForSizeTransform(const vector2dT<double
 
 }  // namespace QorMath
 
-// The flat interface. Angles are int32 millionths of a degree; each call
-// premultiplies, so the new operation applies after the existing transform.
 extern "C" {
+/// \name Flat interface (UTL)
+/// Angles are int32 millionths of a degree, converted with the factor
+/// 0.017453292519943 per degree; each call premultiplies, so the new operation
+/// applies after the existing transform. A null m does nothing.
+/// @{
+
 /// Writes the identity into m.
 QORMATH_API void UTLGetIdentityMatrix(MATRIX* m);
 /// tx += dx, ty += dy.
 QORMATH_API void UTLTranslateMatrix(MATRIX* m, int32_t dx, int32_t dy);
-/// Rotation about the origin; whole turns leave m untouched, bit for bit.
+/// Counter-clockwise rotation by angle about the origin; whole turns leave m
+/// untouched, bit for bit.
 QORMATH_API void UTLRotateMatrix(MATRIX* m, int32_t angle);
-/// Rotation about (cx, cy); exact quarter turns avoid rounding noise.
+/// Counter-clockwise rotation by angle about (cx, cy); whole turns leave m
+/// untouched, and exact quarter turns avoid rounding noise.
 QORMATH_API void UTLRotateMatrixAround(MATRIX* m, int32_t angle, int32_t cx, int32_t cy);
 /// Scaling by (sx, sy) about (cx, cy).
 QORMATH_API void UTLStretchMatrix(MATRIX* m, double sx, double sy, int32_t cx, int32_t cy);
 /// Skew about (cx, cy): x' = x - tan(angleX)·y, then y' = tan(angleY)·x + y.
 QORMATH_API void UTLSkewMatrix(MATRIX* m, int32_t angleX, int32_t angleY, int32_t cx, int32_t cy);
-/// Transforms count points in place with RoundToInt; nothing when count < 1.
+/// Transforms count points in place with RoundToInt; nothing when count < 1 or
+/// either pointer is null.
 QORMATH_API void UTLTransformPoint(tagPOINT* points, const MATRIX* m, int64_t count);
+/// @}
 }
 
 #endif

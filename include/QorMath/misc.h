@@ -1,8 +1,9 @@
 #ifndef QORMATH_MISC_H
 #define QORMATH_MISC_H
 
-// Scalar shaping functions, random numbers, quaternions and the fixed-point 3D
-// interface.
+/// \file
+/// Scalar shaping functions, random numbers, quaternions and the fixed-point 3D
+/// interface.
 
 #include <cstddef>
 #include <cstdint>
@@ -26,9 +27,12 @@ QORMATH_API int32_t GCD(int32_t a, int32_t b);
 /// The bias curve t·b / ((1 - 2b)(1 - t) + b), b clamped to [0, 1]: b = 0.5 is
 /// neutral (t unchanged), b = 0 gives 0, and Bias(0.5, b) = b. t is not clamped.
 QORMATH_API double Bias(double t, double b);
-/// The S-shaped gain curve for g in [-1, 1] (clamped): g = 0 is neutral, positive
-/// g steepens the middle, negative g flattens it. Returns 1 where the curve's
-/// denominator vanishes.
+/// The gain curve for g in [-1, 1] (clamped), through (0.5, 0.5): g = 0 is
+/// neutral, positive g flattens the middle (slope 1 − 2g/(g + 1) at t = 0.5,
+/// steep ends), negative g steepens it. t is not clamped. Returns 1 wherever
+/// the lower half's denominator (2t − 1)·2g + g + 1 is within DBL_EPSILON of 0,
+/// in either half (Gain(0, 1) = Gain(0.75, −0.5) = 1); the upper half's own
+/// denominator is not guarded (Gain(1, 1) is 0/0, NaN).
 QORMATH_API double Gain(double t, double g);
 /// index / count in double; 1.0 when count is 0.
 QORMATH_API double GetLinearBlendFactor(size_t index, size_t count);
@@ -45,7 +49,7 @@ QORMATH_API double GetBiasGainBlendFactor(double t, double gainParameter, double
 /// sequences differ from run to run. Safe to call from any number of threads.
 namespace Random {
 /// lo + u·(hi - lo) with u in [0, 1) on a 53-bit grid; lo > hi gives (hi, lo],
-/// lo = hi gives lo.
+/// lo = hi gives lo. The final rounding can reach the excluded end.
 QORMATH_API double Generate(double lo, double hi);
 /// Uniform over [lo, hi], both ends included, without bias (multiply and
 /// reject). hi < lo wraps: the values from lo up through 2147483647 and on
@@ -59,17 +63,20 @@ QORMATH_API int32_t Generate(int32_t lo, int32_t hi);
 /// an axis a is (a·sin(θ/2), cos(θ/2)); the axis is used as given, not normalised.
 class QORMATH_API Quaternion {
 public:
-    double x;
-    double y;
-    double z;
-    double w;
+    double x;  ///< i component (vector part)
+    double y;  ///< j component (vector part)
+    double z;  ///< k component (vector part)
+    double w;  ///< scalar part: cos(θ/2) for a rotation by θ
 
     /// The identity rotation (0, 0, 0, 1).
     Quaternion();
+    /// The quaternion x·i + y·j + z·k + w, taken as given (not normalised).
     Quaternion(double x, double y, double z, double w);
     /// SetAngleAndAxis(angle, axis); angle in radians.
     Quaternion(double angle, const vector3dT<double>& axis);
+    /// Member-wise copy.
     Quaternion(const Quaternion& other) = default;
+    /// Member-wise copy.
     Quaternion& operator=(const Quaternion& other) = default;
 
     /// Back to the identity (0, 0, 0, 1).
@@ -85,7 +92,9 @@ public:
 
     /// x·q.x + y·q.y + z·q.z + w·q.w.
     double DotProduct(const Quaternion& q) const;
+    /// x² + y² + z² + w².
     double MagnitudeSqrd() const;
+    /// √(x² + y² + z² + w²).
     double Magnitude() const;
     /// 2·acos(w) in radians; NaN when |w| > 1 (w is not clamped).
     double RotationTheta() const;
@@ -127,9 +136,9 @@ typedef int32_t MTH3DMATRIX[12];
 
 /// An integer 3D point.
 struct MTH3DPOINT {
-    int32_t x;
-    int32_t y;
-    int32_t z;
+    int32_t x;  ///< x coordinate
+    int32_t y;  ///< y coordinate
+    int32_t z;  ///< z coordinate
 };
 
 extern "C" {

@@ -1,12 +1,13 @@
 #ifndef QORMATH_TYPES_H
 #define QORMATH_TYPES_H
 
-// Value types shared by every family: 2D points and vectors, 3D vectors, double
-// rectangles, the integer geometry records, the affine decomposition record, the
-// small enumerations, and the one rule for storing a double into an int32 field.
-//
-// Coordinates are y-up: a rectangle's `top` is its largest y and `bottom` its
-// smallest. Angles turn counter-clockwise from +x.
+/// \file
+/// Value types shared by every family: 2D points and vectors, 3D vectors, double
+/// rectangles, the integer geometry records, the affine decomposition record, the
+/// small enumerations, and the one rule for storing a double into an int32 field.
+///
+/// Coordinates are y-up: a rectangle's `top` is its largest y and `bottom` its
+/// smallest. Angles turn counter-clockwise from +x.
 
 #include <cfloat>
 #include <cmath>
@@ -20,23 +21,27 @@
 #else
 /// Integer point (int32 x, y).
 struct tagPOINT {
-    int32_t x;
-    int32_t y;
+    int32_t x;  ///< x coordinate
+    int32_t y;  ///< y coordinate
 };
 /// Integer rectangle, y-up: `top` is the larger y.
 struct tagRECT {
-    int32_t left;
-    int32_t top;
-    int32_t right;
-    int32_t bottom;
+    int32_t left;    ///< smallest x of a normal rectangle
+    int32_t top;     ///< largest y of a normal rectangle
+    int32_t right;   ///< largest x of a normal rectangle
+    int32_t bottom;  ///< smallest y of a normal rectangle
 };
 /// Integer size (int32 cx, cy).
 struct tagSIZE {
-    int32_t cx;
-    int32_t cy;
+    int32_t cx;  ///< extent along x
+    int32_t cy;  ///< extent along y
 };
 #endif
 
+/// The library: value types, matrix builders, angles, rectangles, curves,
+/// fitting, layout, the vector field and the scalar, random and quaternion
+/// utilities. MATRIX, the integer records and the flat C functions (UTL, MTH,
+/// VECT_) live outside it.
 namespace QorMath {
 
 /// A 2D value of two T components. K = 1 makes it a point (a position), K = 0 a
@@ -44,52 +49,64 @@ namespace QorMath {
 /// translation to points only.
 template <typename T, int K>
 struct vector2dT {
-    T x;
-    T y;
+    T x;  ///< x component
+    T y;  ///< y component
 };
 
+/// A point (position) in double.
 using Point2d = vector2dT<double, 1>;
+/// A vector (displacement) in double.
 using Vector2d = vector2dT<double, 0>;
 
 // Affine arithmetic: point - point is a vector, point +/- vector is a point.
+/// p − q, a vector: the displacement from q to p (points or vectors alike).
 template <typename T, int K>
 constexpr vector2dT<T, 0> operator-(const vector2dT<T, K>& p, const vector2dT<T, K>& q) {
     return {p.x - q.x, p.y - q.y};
 }
+/// p moved by v: a point stays a point, a vector plus a vector is a vector.
 template <typename T, int K>
 constexpr vector2dT<T, K> operator+(const vector2dT<T, K>& p, const vector2dT<T, 0>& v) {
     return {p.x + v.x, p.y + v.y};
 }
+/// p moved by v, a point (vector + point).
 template <typename T>
 constexpr vector2dT<T, 1> operator+(const vector2dT<T, 0>& v, const vector2dT<T, 1>& p) {
     return {v.x + p.x, v.y + p.y};
 }
+/// p moved back by v, a point.
 template <typename T>
 constexpr vector2dT<T, 1> operator-(const vector2dT<T, 1>& p, const vector2dT<T, 0>& v) {
     return {p.x - v.x, p.y - v.y};
 }
+/// The opposite vector (−x, −y).
 template <typename T>
 constexpr vector2dT<T, 0> operator-(const vector2dT<T, 0>& v) {
     return {-v.x, -v.y};
 }
+/// v scaled by s, component by component.
 template <typename T>
 constexpr vector2dT<T, 0> operator*(const vector2dT<T, 0>& v, T s) {
     return {v.x * s, v.y * s};
 }
+/// v scaled by s, component by component.
 template <typename T>
 constexpr vector2dT<T, 0> operator*(T s, const vector2dT<T, 0>& v) {
     return {s * v.x, s * v.y};
 }
+/// Each component divided by s (no check for 0: infinities or NaN).
 template <typename T>
 constexpr vector2dT<T, 0> operator/(const vector2dT<T, 0>& v, T s) {
     return {v.x / s, v.y / s};
 }
+/// Moves p by v in place; returns p.
 template <typename T, int K>
 vector2dT<T, K>& operator+=(vector2dT<T, K>& p, const vector2dT<T, 0>& v) {
     p.x += v.x;
     p.y += v.y;
     return p;
 }
+/// Moves p back by v in place; returns p.
 template <typename T, int K>
 vector2dT<T, K>& operator-=(vector2dT<T, K>& p, const vector2dT<T, 0>& v) {
     p.x -= v.x;
@@ -101,6 +118,7 @@ template <typename T, int K>
 constexpr bool operator==(const vector2dT<T, K>& p, const vector2dT<T, K>& q) {
     return p.x == q.x && p.y == q.y;
 }
+/// !(p == q): true when either component differs or is NaN.
 template <typename T, int K>
 constexpr bool operator!=(const vector2dT<T, K>& p, const vector2dT<T, K>& q) {
     return !(p == q);
@@ -141,18 +159,18 @@ T Magnitude(const vector2dT<T, K>& v) {
 /// A 3D value (x, y, z).
 template <typename T>
 struct vector3dT {
-    T x;
-    T y;
-    T z;
+    T x;  ///< x component
+    T y;  ///< y component
+    T z;  ///< z component
 };
 
 /// A rectangle of four T values, y-up: width right - left, height top - bottom.
 template <typename T>
 struct BoundsT {
-    T left;
-    T top;
-    T right;
-    T bottom;
+    T left;    ///< smallest x of a normal rectangle
+    T top;     ///< largest y of a normal rectangle
+    T right;   ///< largest x of a normal rectangle
+    T bottom;  ///< smallest y of a normal rectangle
 };
 
 /// An affine transform decomposed as rotation · [scaleX, skew·scaleY; 0, scaleY]
@@ -167,15 +185,15 @@ struct AFF_TRANSFORM {
 
 /// A position on a rectangle, row by row from the top. Values above 8 act as BottomRight.
 enum class AnchorLocation : int32_t {
-    TopLeft = 0,
-    TopCenter = 1,
-    TopRight = 2,
-    MiddleLeft = 3,
-    Center = 4,
-    MiddleRight = 5,
-    BottomLeft = 6,
-    BottomCenter = 7,
-    BottomRight = 8,
+    TopLeft = 0,       ///< (left, top)
+    TopCenter = 1,     ///< ((left + right)/2, top)
+    TopRight = 2,      ///< (right, top)
+    MiddleLeft = 3,    ///< (left, (top + bottom)/2)
+    Center = 4,        ///< ((left + right)/2, (top + bottom)/2)
+    MiddleRight = 5,   ///< (right, (top + bottom)/2)
+    BottomLeft = 6,    ///< (left, bottom)
+    BottomCenter = 7,  ///< ((left + right)/2, bottom)
+    BottomRight = 8,   ///< (right, bottom)
 };
 
 /// Quarter of the turn an angle falls in; each includes its lower boundary.
@@ -203,25 +221,35 @@ enum class Side : int32_t {
 /// Number of Gauss-Legendre points for arc length; other values map to the
 /// nearest tabulated rule (below 2 → 2, 9 → 10, above 10 → 16).
 enum class LengthAccuracy : int32_t {
-    Gauss2 = 2,
-    Gauss3 = 3,
-    Gauss4 = 4,
-    Gauss5 = 5,
-    Gauss6 = 6,
-    Gauss7 = 7,
-    Gauss8 = 8,
-    Gauss10 = 10,
-    Gauss16 = 16,
+    Gauss2 = 2,    ///< 2-point rule, the coarsest
+    Gauss3 = 3,    ///< 3-point rule
+    Gauss4 = 4,    ///< 4-point rule
+    Gauss5 = 5,    ///< 5-point rule
+    Gauss6 = 6,    ///< 6-point rule
+    Gauss7 = 7,    ///< 7-point rule
+    Gauss8 = 8,    ///< 8-point rule
+    Gauss10 = 10,  ///< 10-point rule (the one LengthTo and LengthFrom use)
+    Gauss16 = 16,  ///< 16-point rule, the most accurate
 };
 
+/// Horizontal placement in a Layout.
 namespace Horizontal {
 /// Which vertical edge a laid-out box keeps.
-enum class Alignment : int32_t { Left = 0, Right = 1, Center = 2 };
+enum class Alignment : int32_t {
+    Left = 0,   ///< keeps the left edge (the default)
+    Right = 1,  ///< keeps the right edge
+    Center = 2  ///< centred
+};
 }  // namespace Horizontal
 
+/// Vertical placement in a Layout.
 namespace Vertical {
 /// Which horizontal edge a laid-out box keeps.
-enum class Alignment : int32_t { Bottom = 0, Top = 1, Center = 2 };
+enum class Alignment : int32_t {
+    Bottom = 0,  ///< keeps the bottom edge (the default)
+    Top = 1,     ///< keeps the top edge
+    Center = 2   ///< centred
+};
 }  // namespace Vertical
 
 /// The int32 a processor gives for a conversion it cannot represent.
