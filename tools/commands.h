@@ -44,6 +44,7 @@ Command addOffsetCommand(CLI::App& parent, const GlobalOptions& global);
 Command addFitCommand(CLI::App& parent, const GlobalOptions& global);
 Command addLayoutCommand(CLI::App& parent, const GlobalOptions& global);
 Command addFieldCommand(CLI::App& parent, const GlobalOptions& global);
+Command addMiscCommand(CLI::App& parent, const GlobalOptions& global);
 Command addGalleryCommand(CLI::App& parent, const GlobalOptions& global);
 
 // Pieces a command shares with its gallery panel.

@@ -17,6 +17,7 @@
 #include "QorMath/field.h"
 #include "QorMath/fitting.h"
 #include "QorMath/layout.h"
+#include "QorMath/misc.h"
 #include "args.h"
 #include "commands.h"
 #include "output.h"
@@ -61,6 +62,110 @@ void captions(svg::Panel& panel, const Sample (&samples)[N], double top, double 
         panel.label({double(i) * kCell, top}, samples[i].name, -10, svg::Anchor::Middle, 13, "#111827");
         panel.label({double(i) * kCell, bottom}, samples[i].ops, 20, svg::Anchor::Middle, 11, "#6b7280");
     }
+}
+
+// A circular arc about c from angle a0 to a1 (radians), as a polyline.
+std::vector<Point2d> arc(const Point2d& c, double r, double a0, double a1) {
+    std::vector<Point2d> out;
+    const int n = std::max(4, int(std::abs(a1 - a0) / 0.05));
+    for (int i = 0; i <= n; ++i) out.push_back(c + QorMath::Radians::AngleToVector(a0 + (a1 - a0) * i / n, r));
+    return out;
+}
+
+// A matrix taken apart by DecomposeAffineTransform and put back together one part
+// at a time: a square scaled, then skewed, then rotated, then moved to the
+// origin, which lands it on the matrix's own image. The two angles are measured
+// again on the image with the angle functions and labelled in each unit.
+std::string drawDecomposition(svg::Panel& panel) {
+    const Style before{"#9ca3af", "none", 1.2, "4 3", 1};
+    const Style image{"#2563eb", "#93c5fd", 1.8, "", 0.5};
+    const Style guide{"#6b7280", "none", 1, "2 3", 1};
+    const Style angle{"#dc2626", "none", 1.6, "", 1};
+    const Style recomposed{"#d97706", "none", 1.8, "6 4", 1};
+    const Style origin{"#1e3a8a", "#1e3a8a", 1, "", 1};
+    const double side = 40, spacing = 120;
+    // The operation chain's skew maps x' = x - tan(AX)·y, so -25 leans the y axis
+    // 25° clockwise: a decomposed skew of +tan 25°.
+    const MATRIX m = sampleMatrix({"M", "scale 1.5,0.8 skew -25,0 rotate 30 translate 30,12"});
+    QorMath::AFF_TRANSFORM parts{};
+    if (!QorMath::DecomposeAffineTransform(parts, m)) return "DecomposeAffineTransform failed";
+    MATRIX back{};
+    QorMath::ComposeAffineTransform(back, parts);
+    // The parts in the order they apply: scale, skew (x' = x + skew·y), rotation,
+    // translation.
+    const MATRIX scaled{parts.scaleX, 0, 0, 0, parts.scaleY, 0};
+    const MATRIX skewed = MATRIX{1, parts.skew, 0, 0, 1, 0} * scaled;
+    const MATRIX rotated = QorMath::ConstructRotationMatrix(parts.rotation) * skewed;
+    const MATRIX stages[] = {QorMath::IdentityMatrix(), scaled, skewed, rotated, m};
+    auto square = [&](const MATRIX& s, double x) {
+        std::vector<Point2d> c = {{0, 0}, {side, 0}, {side, side}, {0, side}};
+        (QorMath::ConstructTranslationMatrix({x, 0}) * s).TransformPoints(c.data(), c.size());
+        return c;
+    };
+    // The angles again, from the image of the axes: the x axis' direction, and
+    // the lean of the y axis from the x axis' normal.
+    const Vector2d xAxis = rotated(Vector2d{1, 0}), yAxis = rotated(Vector2d{0, 1});
+    const Vector2d normal{-xAxis.y, xAxis.x};
+    const double rotationDegrees = QorMath::Degrees::VectorToAngle(xAxis);
+    const int32_t rotationTurn = QorMath::TURNANGLE::VectorToAngle(xAxis);
+    const double skewDegrees = QorMath::Degrees::GetFineAngle(yAxis, normal);
+    const char* names[] = {"scale", "then skew", "then rotate", "then move"};
+    const std::string lines[4][2] = {
+        {"sx " + brief(parts.scaleX) + ", sy " + brief(parts.scaleY), ""},
+        {"skew " + brief(parts.skew), "= tan " + brief(skewDegrees) + " deg"},
+        {brief(rotationDegrees) + " deg = " + brief(parts.rotation) + " rad",
+         "= " + std::to_string(rotationTurn) + " TURNANGLE"},
+        {"origin (" + brief(parts.origin.x) + ", " + brief(parts.origin.y) + ")", "the image under M"},
+    };
+    double top = 0, bottom = 0;
+    for (int i = 0; i < 4; ++i) {
+        const double x = i * spacing;
+        const auto shape = square(stages[i + 1], x), ghost = square(stages[i], x);
+        for (const auto& p : shape) top = std::max(top, p.y), bottom = std::min(bottom, p.y);
+        panel.polyline(ghost, before, true);
+        panel.polyline(shape, image, true);
+        panel.dot(shape[0], 3, origin);
+    }
+    // The skew: the y axis against the vertical; the rotation: the x axis against +x.
+    const Point2d o1{spacing, 0}, o2{2 * spacing, 0};
+    const double lean = QorMath::Radians::VectorToAngle(skewed(Vector2d{0, 1}));
+    panel.polyline({o1, o1 + Vector2d{0, side * 1.15}}, guide);
+    panel.polyline(arc(o1, side * 0.75, lean, QorMath::Pi / 2), angle);
+    panel.label(o1 + Vector2d{0, side * 0.75}, brief(skewDegrees) + " deg", 4, svg::Anchor::End, 11, angle.stroke, -4);
+    panel.polyline({o2, o2 + Vector2d{side * 1.9, 0}}, guide);
+    panel.polyline(arc(o2, side * 1.6, 0, parts.rotation), angle);
+    panel.label(o2 + QorMath::Radians::AngleToVector(parts.rotation / 2, side * 1.6), brief(rotationDegrees) + " deg",
+                4, svg::Anchor::Start, 11, angle.stroke, 4);
+    // The last move: from the column's origin to the matrix's.
+    const Point2d o3{3 * spacing, 0};
+    panel.polyline(square(back, 3 * spacing), recomposed, true);
+    panel.polyline({o3, o3 + (parts.origin - Point2d{0, 0})}, guide);
+    panel.dot(o3, 2.5, {"#6b7280", "#ffffff", 1.2, "", 1});
+    for (int i = 0; i < 4; ++i) {
+        const double x = i * spacing + side / 2 + (i == 3 ? parts.origin.x : 0);
+        panel.label({x, top}, names[i], -10, svg::Anchor::Middle, 13, "#111827");
+        for (int k = 0; k < 2; ++k)
+            panel.label({x, bottom}, lines[i][k], 18 + 14.0 * k, svg::Anchor::Middle, 11, "#4b5563");
+    }
+    panel.label({0, top}, "M = [" + brief(m.a) + "  " + brief(m.b) + "  " + brief(m.tx) + ";  " + brief(m.c) + "  " +
+                              brief(m.d) + "  " + brief(m.ty) + "]",
+                -34, svg::Anchor::Start, 12, "#374151");
+    double worst = 0;
+    for (double v : {back.a - m.a, back.b - m.b, back.c - m.c, back.d - m.d, back.tx - m.tx, back.ty - m.ty})
+        worst = std::max(worst, std::abs(v));
+    panel.legend(before, "before the step");
+    panel.legend(image, "after it");
+    panel.legend(angle, "angle");
+    panel.legend(recomposed, "ComposeAffineTransform");
+    panel.legend(origin, "image of (0, 0)", true);
+    char err[32];
+    std::snprintf(err, sizeof err, "%.1e", worst);
+    return "DecomposeAffineTransform of M = [" + brief(m.a) + " " + brief(m.b) + " " + brief(m.tx) + "; " +
+           brief(m.c) + " " + brief(m.d) + " " + brief(m.ty) + "]: scale " + brief(parts.scaleX) + " x " +
+           brief(parts.scaleY) + ", skew " + brief(parts.skew) + " (" + brief(skewDegrees) + " deg), rotation " +
+           brief(parts.rotation) + " rad (" + brief(rotationDegrees) + " deg, " + std::to_string(rotationTurn) +
+           " TURNANGLE), origin (" + brief(parts.origin.x) + ", " + brief(parts.origin.y) +
+           "); recomposed within " + err;
 }
 
 std::string drawRectangles(svg::Panel& panel) {
@@ -712,9 +817,10 @@ std::string drawOffsets(svg::Panel& panel) {
     return summary + "; " + std::to_string(cusps) + " cusps";
 }
 
-// Five layouts in one container, each result filled and carrying the "F" of a
-// 5 × 8 object mapped by GetLayoutTransformation; the dashed box is the space
-// the margins leave where a minimum width overrides it.
+// Five layouts in one container, each result filled and carrying an "F" drawn in
+// the lower right of a 5 × 8 object and mapped by GetLayoutTransformation (the
+// upper left keeps the labels clear of it); the dashed box is the space the
+// margins leave where a minimum width overrides it.
 std::string drawLayouts(svg::Panel& panel) {
     using QorMath::Layout;
     const Style frame{"#374151", "#f9fafb", 2, "", 1};
@@ -767,7 +873,7 @@ std::string drawLayouts(svg::Panel& panel) {
             panel.polyline(corners(QorMath::LayoutObject(container, margins)), space, true);
         }
         panel.polyline(corners(r), result, true);
-        std::vector<Point2d> f = layoutGlyph(object);
+        std::vector<Point2d> f = layoutGlyph({2, 3.2, 5, 0});
         const MATRIX m = QorMath::GetLayoutTransformation(container, object, layout);
         m.TransformPoints(f.data(), f.size());
         panel.polyline(f, glyph, true);
@@ -856,6 +962,211 @@ std::string drawSwirls(svg::Panel& panel) {
            " stored, samples " + (differ == 0 ? "equal to the canvas's" : std::to_string(differ) + " differ");
 }
 
+// A cube of integer corners turned by slerp steps between two orientations. Each
+// step's quaternion becomes a fixed-point matrix, moves the corners, and the
+// corners are projected through an eye above the cube's centre; faces turned
+// toward the eye are shaded and hide the edges behind them.
+std::string drawQuaternions(svg::Panel& panel) {
+    using QorMath::Quaternion;
+    using V3 = QorMath::vector3dT<double>;
+    const Style hidden{"#9ca3af", "none", 1, "3 3", 1};
+    const Style edge{"#1e3a8a", "none", 1.6, "", 1};
+    const Style axisStyle{"#6b7280", "none", 1.2, "6 3", 1};
+    const Style trail{"#ea580c", "none", 1.4, "", 0.9};
+    const Style corner{"#ea580c", "#ea580c", 1, "", 1};
+    const Style face{"#1e3a8a", "#93c5fd", 0, "", 0.85};
+    const int32_t half = 100, eyeZ = 800, spacing = 420;
+    const double turnDegrees = 120;
+    const V3 axis{0.3, 1, 0.4};
+    const double len = std::sqrt(axis.x * axis.x + axis.y * axis.y + axis.z * axis.z);
+    const V3 unit{axis.x / len, axis.y / len, axis.z / len};
+    const double deg = QorMath::RadiansPerDegree;
+    const Quaternion q0 = Quaternion(20 * deg, {1, 0, 0}) * Quaternion(-30 * deg, {0, 1, 0});
+    const Quaternion q1 = Quaternion(turnDegrees * deg, unit) * q0;
+
+    // Corner i has x, y, z from its bits 0, 1, 2; faces are wound counter-clockwise
+    // seen from outside, so a face toward the eye projects counter-clockwise.
+    std::vector<MTH3DPOINT> cube;
+    for (int i = 0; i < 8; ++i) cube.push_back({i & 1 ? half : -half, i & 2 ? half : -half, i & 4 ? half : -half});
+    const int faces[6][4] = {{4, 5, 7, 6}, {0, 2, 3, 1}, {1, 3, 7, 5}, {0, 4, 6, 2}, {2, 6, 7, 3}, {0, 1, 5, 4}};
+
+    // The corners turned by q, moved right by dx, and projected from the eye above
+    // (dx, 0). VECT_QuaternionToMat gives the transpose of the rotation Rotate
+    // applies, so the conjugate's matrix turns the corners the way q does.
+    auto place = [&](const Quaternion& q, int32_t dx, std::vector<MTH3DPOINT> points,
+                     std::vector<MTH3DPOINT>* moved = nullptr) {
+        const Quaternion c = q.GetConjugate();
+        const double qa[4] = {c.x, c.y, c.z, c.w};
+        MTH3DMATRIX mat;
+        VECT_QuaternionToMat(qa, mat);
+        MTHTranslate3DMatrix(mat, dx, 0, 0);
+        MTHTransform3DPoints(points.data(), mat, int32_t(points.size()));
+        std::vector<tagPOINT> flat(points.size());
+        MTHPerspective3DProjection(points.data(), flat.data(), int32_t(points.size()), MTH3DPOINT{dx, 0, eyeZ});
+        if (moved) *moved = points;
+        std::vector<Point2d> out;
+        for (const tagPOINT& p : flat) out.push_back({double(p.x), double(p.y)});
+        return out;
+    };
+
+    const double steps[] = {0, 1 / 3.0, 2 / 3.0, 1};
+    const char* stepNames[] = {"0", "1/3", "2/3", "1"};
+    std::string summary = "Quaternion::Interpolate over a " + brief(turnDegrees) + " deg turn, turned";
+    double worstCorner = 0, worstBack = 0;
+    for (int k = 0; k < 4; ++k) {
+        const int32_t dx = k * spacing;
+        Quaternion q;
+        if (!Quaternion::Interpolate(q0, q1, steps[k], q)) q = steps[k] < 0.5 ? q0 : q1;
+        std::vector<MTH3DPOINT> moved;
+        const std::vector<Point2d> flat = place(q, dx, cube, &moved);
+
+        // Which faces look at the eye, and so which edges show.
+        bool front[6], shows[8][8] = {};
+        for (int f = 0; f < 6; ++f) {
+            double area = 0;
+            for (int i = 0; i < 4; ++i) {
+                const Point2d &a = flat[faces[f][i]], &b = flat[faces[f][(i + 1) % 4]];
+                area += a.x * b.y - a.y * b.x;
+            }
+            front[f] = area > 0;
+            for (int i = 0; i < 4; ++i) {
+                const int a = faces[f][i], b = faces[f][(i + 1) % 4];
+                shows[a][b] = shows[b][a] = shows[a][b] || front[f];
+            }
+        }
+        for (int a = 0; a < 8; ++a)
+            for (int b = a + 1; b < 8; ++b)
+                if ((a ^ b) == 1 || (a ^ b) == 2 || (a ^ b) == 4)
+                    if (!shows[a][b]) panel.polyline({flat[a], flat[b]}, hidden);
+        // The turn axis through the centre, and the path of corner 7 over all t.
+        const V3 reach{170 * unit.x, 170 * unit.y, 170 * unit.z};
+        const std::vector<MTH3DPOINT> ends = {{dx - int32_t(std::lround(reach.x)), -int32_t(std::lround(reach.y)),
+                                               -int32_t(std::lround(reach.z))},
+                                              {dx + int32_t(std::lround(reach.x)), int32_t(std::lround(reach.y)),
+                                               int32_t(std::lround(reach.z))}};
+        std::vector<tagPOINT> axisEnds(2);
+        MTHPerspective3DProjection(ends.data(), axisEnds.data(), 2, MTH3DPOINT{dx, 0, eyeZ});
+        panel.polyline({{double(axisEnds[0].x), double(axisEnds[0].y)}, {double(axisEnds[1].x), double(axisEnds[1].y)}},
+                       axisStyle);
+        std::vector<Point2d> path;
+        for (int i = 0; i <= 48; ++i) {
+            Quaternion qi;
+            if (Quaternion::Interpolate(q0, q1, i / 48.0, qi)) path.push_back(place(qi, dx, {cube[7]})[0]);
+        }
+        // Shaded faces: lighter the more they face a light above, left and front.
+        const V3 light{-0.48, 0.6, 0.64};  // unit: 0.2304 + 0.36 + 0.4096 = 1
+        for (int f = 0; f < 6; ++f) {
+            if (!front[f]) continue;
+            const MTH3DPOINT &a = moved[faces[f][0]], &b = moved[faces[f][1]], &c = moved[faces[f][3]];
+            const V3 u{double(b.x - a.x), double(b.y - a.y), double(b.z - a.z)};
+            const V3 v{double(c.x - a.x), double(c.y - a.y), double(c.z - a.z)};
+            const V3 n{u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+            const double lit = std::max(0.0, (n.x * light.x + n.y * light.y + n.z * light.z) /
+                                                  std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z));
+            char fill[8];
+            auto mix = [&](int dark, int bright) { return int(dark + (bright - dark) * (0.35 + 0.65 * lit)); };
+            std::snprintf(fill, sizeof fill, "#%02x%02x%02x", mix(0x60, 0xe0), mix(0x8a, 0xec), mix(0xc8, 0xfc));
+            panel.polyline({flat[faces[f][0]], flat[faces[f][1]], flat[faces[f][2]], flat[faces[f][3]]},
+                           {face.stroke, fill, 0, "", face.fillOpacity}, true);
+        }
+        for (int a = 0; a < 8; ++a)
+            for (int b = a + 1; b < 8; ++b)
+                if (((a ^ b) == 1 || (a ^ b) == 2 || (a ^ b) == 4) && shows[a][b]) panel.polyline({flat[a], flat[b]}, edge);
+        panel.polyline(path, trail);  // over the faces, so that all of it shows
+        panel.dot(flat[7], 3.5, corner);
+
+        // The fixed-point corners against the same turn in double, and the matrix
+        // read back as a quaternion.
+        for (int i = 0; i < 8; ++i) {
+            V3 p{double(cube[i].x), double(cube[i].y), double(cube[i].z)};
+            q.Rotate(p);
+            worstCorner = std::max({worstCorner, std::abs(p.x + dx - moved[i].x), std::abs(p.y - moved[i].y),
+                                    std::abs(p.z - moved[i].z)});
+        }
+        const double qa[4] = {q.x, q.y, q.z, q.w};
+        MTH3DMATRIX mat;
+        VECT_QuaternionToMat(qa, mat);
+        double qb[4];
+        VECT_MatToQuaternion(mat, qb);
+        const double sign = qb[0] * qa[0] + qb[1] * qa[1] + qb[2] * qa[2] + qb[3] * qa[3] < 0 ? -1 : 1;
+        for (int i = 0; i < 4; ++i) worstBack = std::max(worstBack, std::abs(sign * qb[i] - qa[i]));
+
+        // How far this step has turned from the start: slerp turns at an even rate.
+        // (2·atan2 of the vector part's length and w rather than RotationTheta's
+        // 2·acos(w), which loses the small angles near w = 1.)
+        const Quaternion r = q * q0.GetConjugate();
+        const double turned =
+            2 * std::atan2(std::sqrt(r.x * r.x + r.y * r.y + r.z * r.z), r.w) * QorMath::DegreesPerRadian;
+        double top = -DBL_MAX, bottom = DBL_MAX;
+        for (const Point2d& p : flat) top = std::max(top, p.y), bottom = std::min(bottom, p.y);
+        for (const Point2d& p : path) top = std::max(top, p.y), bottom = std::min(bottom, p.y);
+        for (const tagPOINT& p : axisEnds) top = std::max(top, double(p.y)), bottom = std::min(bottom, double(p.y));
+        panel.label({double(dx), top}, std::string("t = ") + stepNames[k], -12, svg::Anchor::Middle, 13, "#111827");
+        panel.label({double(dx), bottom}, "turned " + brief(turned) + " deg", 20, svg::Anchor::Middle, 11, "#4b5563");
+        summary += std::string(k ? "," : "") + " " + brief(turned);
+    }
+    panel.legend(edge, "edges in front");
+    panel.legend(hidden, "behind");
+    panel.legend(axisStyle, "turn axis");
+    panel.legend(trail, "path of one corner", false);
+    panel.legend(corner, "that corner", true);
+    char err[64];
+    std::snprintf(err, sizeof err, "%.2g; MatToQuaternion back within %.1e", worstCorner, worstBack);
+    return summary + " deg; fixed-point corners off Quaternion::Rotate by at most " + err;
+}
+
+// The shaping curves as small plots over [0, 1], each for five values of its
+// parameter, the neutral one grey, and the normal density for five widths.
+std::string drawShaping(svg::Panel& panel) {
+    const Style frame{"#d1d5db", "#f9fafb", 1, "", 1};
+    const Style diagonal{"#d1d5db", "none", 1, "3 3", 1};
+    const char* colours[] = {"#2563eb", "#059669", "#6b7280", "#d97706", "#dc2626"};
+    struct Plot {
+        const char* title;
+        double values[5];
+        double labelAt;  // t at which each curve is labelled
+        double (*f)(double, double);
+    };
+    const Plot plots[] = {
+        {"Bias(t, b)", {0.1, 0.25, 0.5, 0.75, 0.9}, 0.5, [](double t, double b) { return QorMath::Bias(t, b); }},
+        {"Gain(t, g)", {-0.8, -0.4, 0, 0.4, 0.8}, 0.25, [](double t, double g) { return QorMath::Gain(t, g); }},
+        {"log blend(t, base)", {0.01, 0.1, 1, 10, 100}, 0.5,
+         [](double t, double base) { return QorMath::GetLogarithmicBlendFactor(t, base); }},
+        // x from -3 to 3 across the plot, the density 1/1.2 at the top.
+        {"Gaussian(x, 0, sigma)", {0.5, 0.7, 1, 1.4, 2}, 0.5,
+         [](double t, double sigma) { return 1.2 * QorMath::Gaussian(6 * t - 3, 0, sigma); }},
+    };
+    const double size = 120, spacing = 170;
+    // Room on the left for the first plot's labels: an empty path the view still fits.
+    panel.polyline({{-32, 0}}, {"none", "none", 0, "", 1});
+    std::string summary;
+    for (int k = 0; k < 4; ++k) {
+        const Plot& plot = plots[k];
+        const double x0 = k * spacing;
+        panel.polyline({{x0, 0}, {x0 + size, 0}, {x0 + size, size}, {x0, size}}, frame, true);
+        if (k < 3) panel.polyline({{x0, 0}, {x0 + size, size}}, diagonal);
+        summary += std::string(k ? "; " : "") + plot.title + " at " + (k == 3 ? "x = 0:" : "t = " + brief(plot.labelAt) + ":");
+        for (int i = 0; i < 5; ++i) {
+            const Style curve{colours[i], "none", i == 2 ? 1.4 : 1.8, "", 1};
+            std::vector<Point2d> line;
+            for (int s = 0; s <= 100; ++s) line.push_back({x0 + size * s / 100.0, size * plot.f(s / 100.0, plot.values[i])});
+            panel.polyline(line, curve);
+            // Each curve marked at labelAt, its parameter left of the frame at that height.
+            const double y = plot.f(plot.labelAt, plot.values[i]);
+            panel.dot({x0 + size * plot.labelAt, size * y}, 2.2, {colours[i], colours[i], 1, "", 1});
+            panel.label({x0, size * y}, brief(plot.values[i]), 4, svg::Anchor::End, 10, colours[i], -4);
+            summary += " " + brief(k == 3 ? y / 1.2 : y);
+        }
+        panel.label({x0 + size / 2, size}, plot.title, -8, svg::Anchor::Middle, 12, "#111827");
+        panel.label({x0, 0}, k == 3 ? "-3" : "0", 14, svg::Anchor::Middle, 10, "#6b7280");
+        panel.label({x0 + size, 0}, k == 3 ? "3" : "1", 14, svg::Anchor::Middle, 10, "#6b7280");
+    }
+    panel.legend(diagonal, "t itself (neutral)");
+    panel.legend({"#6b7280", "none", 1.4, "", 1}, "neutral parameter");
+    panel.legend({"#2563eb", "#2563eb", 1, "", 1}, "where the parameter on the left is read", true);
+    return summary;
+}
+
 // One entry per family: the key printed in the summary, the panel title, and
 // the function that draws the panel and returns its one-line summary.
 struct PanelEntry {
@@ -864,6 +1175,7 @@ struct PanelEntry {
     std::string (*draw)(svg::Panel&);
 };
 const PanelEntry kPanels[] = {
+    {"angles", "A matrix taken apart: scale, skew, rotation, origin", drawDecomposition},
     {"rectangles", "Rectangles under a matrix and their bounding boxes", drawRectangles},
     {"circles", "Circles under a matrix: axes and bounding box", drawCircles},
     {"split", "Splitting a cubic at t = 0.35 (de Casteljau)", drawSplit},
@@ -879,6 +1191,8 @@ const PanelEntry kPanels[] = {
     {"offsets", "Offsets at several distances, cusps marked", drawOffsets},
     {"layout", "Layouts in one container: alignments, margins, a minimum", drawLayouts},
     {"field", "A vector field: two swirls blitted, a region cut out", drawSwirls},
+    {"quaternions", "A cube turned by slerp steps, in 16.16 fixed point", drawQuaternions},
+    {"shaping", "Shaping curves: bias, gain, logarithmic blend, normal density", drawShaping},
 };
 
 }  // namespace

@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
         qtool::addFitCommand(app, global),
         qtool::addLayoutCommand(app, global),
         qtool::addFieldCommand(app, global),
+        qtool::addMiscCommand(app, global),
         qtool::addGalleryCommand(app, global),
     };
 
