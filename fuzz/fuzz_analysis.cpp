@@ -1,9 +1,9 @@
 // Feeds arbitrary curves (coincident and collapsed control points, NaN, infinities, huge and subnormal values, int32
-// extremes) and arbitrary queries to every analysis function of the cubic Bezier: curvature, inflections, curvature
-// extrema, tangents, closest points, inversion, arc length and its inverse, side, area and mapping. Nothing may crash,
-// hang or trip a sanitizer. Beyond that only what the contracts promise is checked: root counts within the caller's
-// capacity and nothing written past it; outputs left untouched on failure; appended parameters in range and ascending,
-// the vectors' earlier contents kept; the exact end values of the length functions.
+// extremes) and arbitrary queries to every analysis function of the cubic Bezier: derivative, curvature, inflections,
+// curvature extrema, tangents, closest points, inversion, arc length and its inverse, side, area and mapping. Nothing
+// may crash, hang or trip a sanitizer. Beyond that only what the contracts promise is checked: root counts within the
+// caller's capacity and nothing written past it; outputs left untouched on failure; appended parameters in range and
+// ascending, the vectors' earlier contents kept; the exact end values of the length functions.
 
 #include <cfloat>
 #include <cmath>
@@ -114,8 +114,11 @@ void Curvature(Input& in, const Curve& k) {
 }
 
 void Tangents(Input& in, const Curve& k) {
-    const V tangent = SafeBezierTangent(in.T(), k.a, k.b, k.c, k.d);
+    // B′(t) itself wherever its squared length reaches DBL_EPSILON; the fallbacks only below.
+    const double t = in.T();
+    const V tangent = SafeBezierTangent(t, k.a, k.b, k.c, k.d), derivative = EvaluateDerivative(k.a, k.b, k.c, t);
     CHECK(!(tangent.x == 0 && tangent.y == 0));
+    if (MagnitudeSqrd(derivative) >= DBL_EPSILON) CHECK(Same(tangent, derivative));
     const size_t before = in.Byte() % 3;
     for (auto axis : {&GetVerticalTangents, &GetHorizontalTangents})
         Appended(before, [&](std::vector<double>& v) { return axis(k.a, k.b, k.c, v), 2; });

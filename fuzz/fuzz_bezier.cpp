@@ -2,12 +2,14 @@
 // subsection, construction from three points, flattening) and to the internal polynomial root solvers of every degree.
 // Nothing may crash, hang or trip a sanitizer. Beyond that only what the contracts promise is checked: root counts
 // within 0..degree + 2 and nothing written past them; pieces that share a point agree on it and keep the copied end
-// points; line counts and the copied end points of the flattening.
+// points; integer forms equal to the rounded double ones; line counts, the copied end points of the flattening and
+// its points inside the control points' box.
 
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -47,6 +49,52 @@ public:
 
 template <typename T>
 bool Same(const T* x, const T* y, size_t n = 1) { return qfuzz::SameN(x, y, n); }
+
+// The integer forms run the double ones on the converted points and round each output coordinate once.
+void ToDouble(const tagPOINT* p, P* out, size_t n) {
+    for (size_t i = 0; i < n; ++i) out[i] = {double(p[i].x), double(p[i].y)};
+}
+bool SameRounded(const P* d, const tagPOINT* p, size_t n) {
+    for (size_t i = 0; i < n; ++i)
+        if (RoundToInt(d[i].x) != p[i].x || RoundToInt(d[i].y) != p[i].y) return false;
+    return true;
+}
+
+// Flattening forms the integer differences P2 − P1 and P1 − P0 in int32, wrapping for points more than 2³¹ apart;
+// inside ±2³⁰ nothing wraps and the integer curve is the double one.
+bool Narrow(const tagPOINT pts[4]) {
+    for (int i = 0; i < 4; ++i)
+        if (std::abs(int64_t(pts[i].x)) >= 1 << 30 || std::abs(int64_t(pts[i].y)) >= 1 << 30) return false;
+    return true;
+}
+
+// Every point of the curve over [0, 1] lies in the control points' box (the convex hull property). Evaluation rounds,
+// so in double the box is widened by a few hundred ulps of the largest coordinate (the power basis reaches 8 times
+// it); integer points are rounded from there into whole-number bounds, which they then keep exactly. Curves with
+// non-finite coordinates, whose basis may overflow, or whose integer differences may wrap, are skipped.
+template <typename Pt>
+bool InBox(const Pt pts[4], const Pt* out, int n) {
+    if constexpr (std::is_same_v<Pt, tagPOINT>) {
+        if (!Narrow(pts)) return true;
+    }
+    double lo[2] = {qfuzz::kInf, qfuzz::kInf}, hi[2] = {-qfuzz::kInf, -qfuzz::kInf}, largest = 0;
+    for (int i = 0; i < 4; ++i) {
+        const double c[2] = {double(pts[i].x), double(pts[i].y)};
+        for (int k = 0; k < 2; ++k) {
+            if (!std::isfinite(c[k])) return true;
+            lo[k] = std::min(lo[k], c[k]), hi[k] = std::max(hi[k], c[k]);
+            largest = std::max(largest, std::fabs(c[k]));
+        }
+    }
+    if (largest > 1e300) return true;
+    const double slack = std::is_same_v<Pt, tagPOINT> ? 0.0 : 256 * DBL_EPSILON * largest + 1e-300;
+    for (int i = 0; i <= n; ++i) {
+        const double c[2] = {double(out[i].x), double(out[i].y)};
+        for (int k = 0; k < 2; ++k)
+            if (!(c[k] >= lo[k] - slack && c[k] <= hi[k] + slack)) return false;
+    }
+    return true;
+}
 
 // ---- root solvers ------------------------------------------------------------
 
@@ -112,6 +160,22 @@ void Splits(Input& in) {
     CHECK(Same(ten, piece, 3));
     RightOf(t1, pts, piece);
     CHECK(Same(ten + 6, piece, 4) && Same(ten + 9, pts + 3));
+    if constexpr (std::is_same_v<Pt, tagPOINT>) {
+        P d[4], dl[4], dr[4], d7[7], d10[10], dp[4];
+        ToDouble(pts, d, 4);
+        Split(t, pts, left, right), Split(t, d, dl, dr);
+        CHECK(SameRounded(dl, left, 4) && SameRounded(dr, right, 4));
+        Split(t, d, d7);
+        CHECK(SameRounded(d7, seven, 7));
+        Split(t0, t1, d, d10);
+        CHECK(SameRounded(d10, ten, 10));
+        Subsection(t0, t1, pts, piece), Subsection(t0, t1, d, dp);
+        CHECK(SameRounded(dp, piece, 4));
+        LeftOf(t0, pts, piece), LeftOf(t0, d, dp);
+        CHECK(SameRounded(dp, piece, 4));
+        RightOf(t1, pts, piece), RightOf(t1, d, dp);
+        CHECK(SameRounded(dp, piece, 4));
+    }
 }
 
 void Construction(Input& in) {
@@ -146,6 +210,16 @@ void Flatten(Input& in) {
     std::vector<Pt> uniform(std::max(n, 0) + 1, marker);
     BezierToLines(pts, uniform.data(), n);
     CHECK(n < 0 ? Same(&uniform[0], &marker) : Same(&uniform[n], pts + 3) && (n == 0 || Same(&uniform[0], pts)));
+    CHECK(n < 0 || InBox(pts, uniform.data(), n));
+    if constexpr (std::is_same_v<Pt, tagPOINT>) {
+        if (n > 0 && Narrow(pts)) {
+            P d[4];
+            ToDouble(pts, d, 4);
+            std::vector<P> evaluated(size_t(n) + 1);
+            BezierToLines(d, evaluated.data(), n);
+            CHECK(SameRounded(evaluated.data(), uniform.data(), size_t(n) + 1));
+        }
+    }
 
     const int most = in.Count();
     const double tol = in.D();
@@ -155,7 +229,7 @@ void Flatten(Input& in) {
         CHECK(count == 0 && Same(&out[0], &marker));
     } else {  // one line, or an even count up to 2^⌊log2 most⌋
         CHECK(most == 1 ? count == 1 : count >= 2 && count % 2 == 0 && count <= 1 << std::ilogb(double(most)));
-        CHECK(Same(&out[0], pts) && Same(&out[count], pts + 3));
+        CHECK(Same(&out[0], pts) && Same(&out[count], pts + 3) && InBox(pts, out.data(), count));
     }
     if constexpr (std::is_same_v<Pt, tagPOINT>) {
         const tagRECT box{in.I(), in.I(), in.I(), in.I()};
